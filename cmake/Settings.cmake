@@ -1,0 +1,29 @@
+# What every target of this project is built with.
+
+option(ZRVOMGUI_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
+option(ZRVOMGUI_BENCH "Build the benchmarks" ${PROJECT_IS_TOP_LEVEL})
+option(ZRVOMGUI_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
+option(ZRVOMGUI_WERROR "Treat warnings in our code as errors" ${PROJECT_IS_TOP_LEVEL})
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
+endif()
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+# The warnings of our own code; Qt's headers are system headers and stay silent.
+add_library(zrvomgui_warnings INTERFACE)
+target_compile_options(zrvomgui_warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+    $<$<BOOL:${ZRVOMGUI_WERROR}>:-Werror>)
