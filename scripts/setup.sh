@@ -1,0 +1,82 @@
+# Sourced by ./run and ./test, which set `root`: packages, configuring, building.
+
+# Runs a command quietly; what it printed is shown only if it fails.
+quietly()
+{
+    local log status=0
+    log=$(mktemp)
+    "$@" >"$log" 2>&1 || status=$?
+    if ((status != 0)); then
+        cat "$log" >&2
+    fi
+    rm -f "$log"
+    return "$status"
+}
+
+missing_packages()
+{
+    local wanted
+    mapfile -t wanted < <(sed 's/#.*//; s/[[:space:]]//g; /^$/d' "$root/packages.txt")
+    # dpkg-query fails when it knows nothing of some package: that one is missing, then.
+    { dpkg-query -W -f '${db:Status-Status} ${Package}\n' "${wanted[@]}" 2>/dev/null || true; } |
+        sed -n 's/^installed //p' | sort |
+        comm -13 - <(printf '%s\n' "${wanted[@]}" | sort)
+}
+
+install_packages()
+{
+    if ! command -v dpkg-query >/dev/null; then
+        echo "Not a Debian system: taking the packages of packages.txt as installed." >&2
+        return
+    fi
+    local missing
+    mapfile -t missing < <(missing_packages)
+    if ((${#missing[@]} == 0)); then
+        return
+    fi
+
+    local as_root=()
+    if ((EUID != 0)); then
+        if ! command -v sudo >/dev/null; then
+            echo "Install these packages first, or run this as root: ${missing[*]}" >&2
+            return 1
+        fi
+        as_root=(sudo)
+    fi
+    echo "Installing ${missing[*]}"
+    local apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive
+               apt-get -qq -o DPkg::Lock::Timeout=300)
+    # A list that can't be fetched need not be one that matters: installing tells.
+    quietly "${apt[@]}" update || true
+    quietly "${apt[@]}" install --no-install-recommends "${missing[@]}"
+}
+
+# One compiler cache for all clones, in the user's home if there is one.
+use_compiler_cache()
+{
+    export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
+    if [[ -z ${CCACHE_DIR:-} ]] && ! mkdir -p "${HOME:-/nonexistent}/.cache/ccache" 2>/dev/null; then
+        export CCACHE_DIR=$root/build/ccache
+    fi
+}
+
+# build PRESET [TARGET...]: configures and builds; without targets, everything.
+build()
+{
+    local preset=$1
+    shift
+    use_compiler_cache
+    (cd "$root" && quietly cmake --preset "$preset")
+    local targets=()
+    if (($# > 0)); then
+        targets=(--target "$@")
+    fi
+    quietly cmake --build "$root/build/$preset" "${targets[@]}"
+}
+
+# Qt wants a private folder for its sockets. The caller removes it.
+use_runtime_folder()
+{
+    XDG_RUNTIME_DIR=$(mktemp -d)
+    export XDG_RUNTIME_DIR
+}
