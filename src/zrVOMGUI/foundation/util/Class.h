@@ -1,0 +1,92 @@
+#pragma once
+
+#include "zrVOMGUI/foundation/util/Ptr.h"
+#include "zrVOMGUI/foundation/util/Signal.h"
+#include "zrVOMGUI/foundation/util/export.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+namespace ZR {
+
+/// Root of everything that can be pointed at.
+///
+/// Objects created with new are destroyed by their last RefT. Objects on the stack, or inside
+/// another object, can be pointed at all the same: a RefT to one owns nothing.
+class ZRUTIL_EXPORT Class {
+public:
+    virtual ~Class();
+
+    static void *operator new(std::size_t size);
+    static void operator delete(void *memory);
+
+    /// Scoped lock on the list of pointers that watch one object. Not recursive, and held for a few
+    /// instructions only.
+    class ZRUTIL_EXPORT LockPtr {
+    public:
+        explicit LockPtr(Class &object);
+        ~LockPtr();
+        LockPtr(LockPtr const &) = delete;
+        LockPtr &operator=(LockPtr const &) = delete;
+
+    private:
+        std::atomic_flag &flag;
+    };
+
+private:
+    friend class Ptr;
+    friend class Ref;
+
+    std::atomic<Ptr *> watchers{nullptr}; // Head of an intrusive list through all watching pointers.
+
+public:
+    /// Emitted once, when the object is being destroyed and every pointer still reads it.
+    ///
+    /// When the last RefT goes, that is before any destructor of the object runs. For an object
+    /// destroyed in another way, it is when the destructor of the first class runs that calls
+    /// announceDelete(). A slot may take and drop references: they neither revive the object nor
+    /// destroy it twice. A slot that throws is reported, and the others are called all the same.
+    SignalT<SigVoidData> sigDelete;
+
+protected:
+    Class();
+    Class(Class const &) : Class() {}
+    Class &operator=(Class const &) { return *this; }
+
+    /// Emits sigDelete unless that is done. For the first line of a destructor whose class wants its
+    /// members readable in the slots of an object that isn't owned by references.
+    void announceDelete() noexcept;
+
+    /// Lets every watching pointer read null. For a destructor that must act after that.
+    void forgetWatchers() noexcept;
+
+private:
+    // One word: the number of references, and two bits above it.
+    static constexpr std::uint32_t onHeap = 1u << 31; // Created by our operator new.
+    static constexpr std::uint32_t dying = 1u << 30;  // sigDelete was emitted or is being emitted.
+    static constexpr std::uint32_t countMask = dying - 1;
+
+    bool ownedByRefs() const { return isOwnedByRefs(state.load(std::memory_order_relaxed)); }
+    static bool isOwnedByRefs(std::uint32_t value) { return (value & (onHeap | dying)) == onHeap; }
+
+    /// Counts a reference, or answers false when references don't own this object.
+    bool retain();
+    void release();
+
+    std::atomic<std::uint32_t> state;
+};
+
+/// A word of flags. What a bit means is the derived class's affair.
+class Flags {
+public:
+    explicit Flags(unsigned initialFlags = 0) : flags(initialFlags) {}
+
+    unsigned getFlags() const { return flags; }
+    void setFlags(unsigned newFlags) { flags = newFlags; }
+
+private:
+    unsigned flags;
+};
+
+} // namespace ZR

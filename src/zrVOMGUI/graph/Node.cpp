@@ -1,0 +1,39 @@
+#include "zrVOMGUI/graph/ObjectGraphView.h"
+#include "zrVOMGUI/graph/private/Node.h"
+
+namespace ZR::VOM::GUI::Graph {
+
+Node::Node(ObjectGraphView &owner, RefT<Object> const &object)
+    : view(&owner)
+    , obj(object)
+    , visible(!object)
+{
+    if (object)
+        watch = std::make_unique<ObjectWatch>();
+    view->updateIcon(*this);
+    view->updateLabel(*this);
+    if (watch)
+        view->watchObject(*this);
+}
+
+Node::~Node()
+{
+    if (watch) {
+        watch->addFieldConn.disconnect();
+        watch->removeFieldConn.disconnect();
+        watch->nameFieldConn.disconnect();
+    }
+    view->dropLinks(*this);
+}
+
+Box boxOf(Node const &node)
+{
+    Box box;
+    box.left = node.x - node.width / 2;
+    box.top = node.y - node.height / 2;
+    box.right = box.left + node.width;
+    box.bottom = box.top + node.height;
+    return box;
+}
+
+} // namespace ZR::VOM::GUI::Graph

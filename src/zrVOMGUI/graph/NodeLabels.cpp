@@ -1,0 +1,91 @@
+// The icon and the line of text of each node, and how they follow the model.
+
+#include "zrVOMGUI/graph/ObjectGraphView.h"
+#include "zrVOMGUI/graph/private/Node.h"
+#include "zrVOMGUI/presentation/ItemLabel.h"
+
+namespace ZR::VOM::GUI {
+
+void ObjectGraphView::setObjIconDB(RefT<ObjectIconDB> const &db)
+{
+    objIconDBConn.disconnect();
+    objIconDB = db;
+    if (objIconDB)
+        objIconDBConn =
+            objIconDB->sigDelete.connect(*this, &ObjectGraphView::onRefObjIconDBSigDelete);
+    refresh(false);
+}
+
+void ObjectGraphView::onRefObjIconDBSigDelete(SigVoidData const &)
+{
+    setObjIconDB({});
+}
+
+void ObjectGraphView::setFieldName(std::string const &name)
+{
+    if (fieldName == name)
+        return;
+    fieldName = name;
+    updateLabels();
+}
+
+void ObjectGraphView::setTypeName(bool on)
+{
+    if (typeName == on)
+        return;
+    typeName = on;
+    updateLabels();
+}
+
+void ObjectGraphView::setFieldTooltip(std::string const &name)
+{
+    fieldTooltip = name;
+}
+
+void ObjectGraphView::updateLabels()
+{
+    for (auto const &[obj, slot] : nodes)
+        updateLabel(*slot.node);
+    refresh(false);
+}
+
+void ObjectGraphView::updateIcon(Node &node)
+{
+    if (!node.watch || !objIconDB)
+        return;
+    tryCatch("ZR::VOM::GUI::ObjectGraphView::updateIcon",
+             [&] { node.watch->icon = objIconDB->find(node.obj); });
+}
+
+/// `leaving` is a field that is about to go, and no longer gives a label.
+void ObjectGraphView::updateLabel(Node &node, Field const *leaving)
+{
+    if (node.watch) {
+        Graph::ObjectWatch &watch = *node.watch;
+        std::string label;
+        if (watch.nameField && watch.nameField->name == fieldName) {
+            label = getItemLabel(node.obj, fieldName, typeName, false);
+        } else {
+            watch.nameFieldConn.disconnect();
+            RefT<FieldString> nameField;
+            label = getItemLabel(node.obj, fieldName, typeName, false, nameField);
+            if (nameField && nameField.get() == leaving) {
+                nameField.reset();
+                label = getItemLabel(node.obj, nameField, typeName, false);
+            }
+            watch.nameField = nameField;
+            if (nameField)
+                watch.nameFieldConn =
+                    nameField->sigSet.connect([this, &node](FieldString::SigSetData const &) {
+                        updateLabel(node);
+                        refresh(false);
+                    });
+        }
+        watch.label = QString::fromStdString(label);
+    }
+    node.sizeDirty = true;
+    if (node.visible)
+        boundsStale = true;
+}
+
+} // namespace ZR::VOM::GUI

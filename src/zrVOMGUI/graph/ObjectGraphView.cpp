@@ -1,0 +1,310 @@
+#include "zrVOMGUI/graph/ObjectGraphView.h"
+
+#include "zrVOMGUI/graph/private/Node.h"
+#include "zrVOMGUI/graph/private/NodeLinks.h"
+
+#include <QScrollBar>
+#include <QStyle>
+
+#include <utility>
+
+namespace ZR::VOM::GUI {
+
+namespace {
+constexpr int tickMilliseconds = 50;
+}
+
+ObjectGraphView::ObjectGraphView(RefT<Exporter> const &exporter, QWidget *parent)
+    : QAbstractScrollArea(parent)
+    , animDuration(*this, 2.0)
+    , tooltip(*this, false)
+    , xmlExporter(exporter)
+    , iconSize(style()->pixelMetric(QStyle::PM_ListViewIconSize))
+{
+    animTimer.setInterval(tickMilliseconds);
+    scrollTimer.setInterval(tickMilliseconds);
+    setAcceptDrops(true);
+    setupDefaultColors();
+    connect(&animTimer, &QTimer::timeout, this, &ObjectGraphView::onQTimerAnimSigTimeout);
+    connect(&scrollTimer, &QTimer::timeout, this, &ObjectGraphView::onScrollQTimerAnimSigTimeout);
+    tooltip.sigSet.connect(*this, &ObjectGraphView::onTooltipSigSet);
+    setMouseTracking(true);
+    // Content x grows to the right in every language.
+    horizontalScrollBar()->setLayoutDirection(Qt::LeftToRight);
+}
+
+ObjectGraphView::~ObjectGraphView()
+{
+    announceDelete();
+    for (auto &[obj, slot] : nodes)
+        slot.sigDeleteConn.disconnect();
+    setMouseTracking(false);
+    objIconDBConn.disconnect();
+    refreshEnabled = false;
+    nodes.clear();
+}
+
+ObjectGraphView::AddedNodes ObjectGraphView::add(std::vector<RefT<Object>> const &objs, bool report)
+{
+    return add(objs.size(), objs.data(), report);
+}
+
+ObjectGraphView::AddedNodes ObjectGraphView::add(std::size_t n, RefT<Object> const *const objs,
+                                                 bool report)
+{
+    AddedNodes added;
+    bool created = false;
+    for (std::size_t i = 0; i < n; ++i) {
+        RefT<Object> const &obj = objs[i];
+        if (!obj)
+            continue;
+        const auto [slot, inserted] = nodes.try_emplace(obj);
+        if (inserted) {
+            slot->second.sigDeleteConn = obj->sigDelete.connect(
+                *this, &ObjectGraphView::onPtrClassSigDelete, PtrT<Class>(obj));
+            slot->second.node = new Node(*this, obj);
+            created = true;
+        }
+        if (report) {
+            RefT<Node> const &node = slot->second.node;
+            (node->visible ? added.visible : added.hidden).insert(node);
+        }
+    }
+    if (created)
+        updateLinks();
+    if (report)
+        refresh(true);
+    return added;
+}
+
+void ObjectGraphView::remove(std::vector<RefT<Object>> const &objs)
+{
+    remove(objs.size(), objs.data());
+}
+
+void ObjectGraphView::remove(std::size_t n, RefT<Object> const *const objs)
+{
+    std::vector<RefT<Object>> removedVisible;
+    for (std::size_t i = 0; i < n; ++i) {
+        const auto slot = nodes.find(objs[i]);
+        if (slot == nodes.end())
+            continue;
+        if (slot->second.node->visible)
+            removedVisible.push_back(objs[i]);
+        eraseSlot(slot);
+    }
+    if (!removedVisible.empty())
+        refresh(true);
+    emitSigRemoveNode(removedVisible);
+}
+
+void ObjectGraphView::clear()
+{
+    {
+        const RefreshPause pause(*this);
+        while (!nodes.empty())
+            eraseSlot(nodes.begin());
+    }
+    refresh(true);
+}
+
+void ObjectGraphView::setVisible(std::vector<RefT<Object>> const &objs, bool visible)
+{
+    setVisible(objs.size(), objs.data(), visible);
+}
+
+void ObjectGraphView::setVisible(std::size_t n, RefT<Object> const *const objs, bool visible)
+{
+    std::vector<RefT<Object>> changed;
+    bool selectionChanged = false;
+    for (std::size_t i = 0; i < n; ++i) {
+        Node *const node = findNode(objs[i]);
+        if (!node || !storeVisible(*node, visible))
+            continue;
+        changed.push_back(objs[i]);
+        selectionChanged |= node->selected;
+        refreshPending = true;
+    }
+    if (!visible || changed.empty())
+        refresh(true);
+    else
+        layout(RefT<Node>(findNode(changed.back())));
+    if (changed.empty())
+        return;
+
+    // A listener may destroy the view.
+    const PtrT<ObjectGraphView> self(this);
+    if (visible)
+        emitSigInsertNode(changed);
+    else
+        emitSigRemoveNode(changed);
+    if (self && selectionChanged) {
+        SigVoidData data;
+        sigSel.emitCatching(data, "ZR::VOM::GUI::ObjectGraphView::setVisible");
+    }
+}
+
+void ObjectGraphView::setVisible(bool visible)
+{
+    QAbstractScrollArea::setVisible(visible);
+}
+
+/// Stores whether the node is visible, and answers whether that changed.
+bool ObjectGraphView::storeVisible(Node &node, bool visible)
+{
+    if (node.visible == visible)
+        return false;
+    node.visible = visible;
+    if (visible) {
+        if (node.sizeDirty)
+            boundsStale = true;
+    } else {
+        Graph::unsplitNode(node);
+    }
+    return true;
+}
+
+std::vector<RefT<VOM::Object>> ObjectGraphView::getObjs() const
+{
+    return collectObjs([](Node const &) { return true; });
+}
+
+std::vector<RefT<VOM::Object>> ObjectGraphView::getVisibleObjs() const
+{
+    return collectObjs([](Node const &node) { return node.visible; });
+}
+
+std::vector<RefT<VOM::Object>> ObjectGraphView::collectObjs(bool (*wanted)(Node const &)) const
+{
+    std::vector<RefT<Object>> objs;
+    for (auto const &[obj, slot] : nodes)
+        if (wanted(*slot.node))
+            objs.emplace_back(obj);
+    return objs;
+}
+
+bool ObjectGraphView::isVisible(PtrT<Object> const &obj) const
+{
+    Node const *const node = findNode(obj);
+    return node && node->visible;
+}
+
+bool ObjectGraphView::getPos(PtrT<Object> const &obj, int &x, int &y) const
+{
+    Node const *const node = findNode(obj);
+    if (!node)
+        return false;
+    x = node->x;
+    y = node->y;
+    return true;
+}
+
+bool ObjectGraphView::setPos(PtrT<Object> const &obj, int x, int y, bool animated)
+{
+    const RefT<Node> node = findNode(obj);
+    if (!node)
+        return false;
+    if (animated)
+        move(node, x, y);
+    else
+        place(node, x, y);
+    return true;
+}
+
+ObjectGraphView::Node *ObjectGraphView::findNode(Ptr const &obj) const
+{
+    const auto slot = nodes.find(obj);
+    return slot == nodes.end() ? nullptr : slot->second.node.get();
+}
+
+void ObjectGraphView::eraseSlot(Nodes::iterator slot)
+{
+    slot->second.sigDeleteConn.disconnect();
+    // Out of the map first: the node's end reaches its neighbours.
+    const auto erased = nodes.extract(slot);
+}
+
+bool ObjectGraphView::setRefresh(bool on)
+{
+    const bool before = std::exchange(refreshEnabled, on);
+    if (on && refreshPending)
+        updateViewport();
+    return before;
+}
+
+void ObjectGraphView::refresh(bool stale)
+{
+    if (stale)
+        boundsStale = true;
+    if (refreshEnabled)
+        updateViewport();
+    else
+        refreshPending = true;
+}
+
+void ObjectGraphView::updateViewport()
+{
+    viewport()->update();
+    refreshPending = false;
+}
+
+ObjectGraphView::RefreshPause::RefreshPause(ObjectGraphView &pausedView)
+    : view(pausedView)
+    , wasEnabled(std::exchange(pausedView.refreshEnabled, false))
+{
+}
+
+ObjectGraphView::RefreshPause::~RefreshPause()
+{
+    view.setRefresh(wasEnabled);
+}
+
+void ObjectGraphView::emitSigInsertNode(std::vector<RefT<Object>> const &objs)
+{
+    if (objs.empty())
+        return;
+    SigNodeData data;
+    data.objs = &objs;
+    sigInsertNode.emitCatching(data, "ZR::VOM::GUI::ObjectGraphView::emitSigInsertNode");
+}
+
+void ObjectGraphView::emitSigRemoveNode(std::vector<RefT<Object>> const &objs)
+{
+    if (objs.empty())
+        return;
+    SigNodeData data;
+    data.objs = &objs;
+    sigRemoveNode.emitCatching(data, "ZR::VOM::GUI::ObjectGraphView::emitSigRemoveNode");
+}
+
+void ObjectGraphView::onPtrClassSigDelete(SigVoidData const &data)
+{
+    const auto slot = nodes.find(data.ptr);
+    if (slot != nodes.end())
+        eraseSlot(slot);
+}
+
+void ObjectGraphView::onTooltipSigSet(PropT<bool>::SigSetData const &)
+{
+    if (!tooltip.get())
+        setToolTip(QString());
+    update();
+}
+
+void ObjectGraphView::setColor(QColor &stored, QColor const &color)
+{
+    stored = color;
+    refresh(false);
+}
+
+std::vector<RefT<Graph::Node>> ObjectGraphView::split(Node &from, Node &to, unsigned count)
+{
+    return Graph::splitLink(from, to, count);
+}
+
+void ObjectGraphView::unsplit(Node &from, Node &to)
+{
+    Graph::unsplitLink(from, to);
+}
+
+} // namespace ZR::VOM::GUI

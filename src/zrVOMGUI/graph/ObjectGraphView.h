@@ -1,0 +1,367 @@
+#pragma once
+
+#include "zrVOMGUI/export.h"
+#include "zrVOMGUI/foundation/util/Object.h"
+#include "zrVOMGUI/foundation/util/Prop.h"
+#include "zrVOMGUI/foundation/util/Time.h"
+#include "zrVOMGUI/foundation/vom/Exporter.h"
+#include "zrVOMGUI/foundation/vom/Field.h"
+#include "zrVOMGUI/graph/LayoutFigures.h"
+#include "zrVOMGUI/presentation/ObjectIconDB.h"
+
+#include <QAbstractScrollArea>
+#include <QColor>
+#include <QTimer>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+class QPainter;
+
+namespace ZR::VOM::GUI {
+
+namespace Graph {
+class Node;
+class Hierarchy;
+enum class Direction;
+struct FieldConns;
+struct LinkEntry;
+} // namespace Graph
+
+/// Objects as boxes in layers, joined by lines.
+///
+/// The host adds objects, names the fields that count as links, and chooses which nodes are visible.
+/// From then on the view follows the model by itself: labels, links and deaths. It never changes the
+/// model, and never owns it.
+///
+/// Every object that was added has a node, visible or not. Hidden nodes keep their links, so that
+/// the view can show, by an arrow, where a neighbour is hidden.
+///
+/// GUI thread only. Coordinates are content pixels with y downward, a node's x and y its centre;
+/// they may be negative. Times are seconds. Unknown objects, null references and empty lists are
+/// passed over without a report.
+class ZRVOMGUI_EXPORT ObjectGraphView : public QAbstractScrollArea, public ZR::Object {
+    Q_OBJECT
+    Q_PROPERTY(QColor colorBg0 READ colorBg0 WRITE setColorBg0)
+    Q_PROPERTY(QColor colorBg1 READ colorBg1 WRITE setColorBg1)
+    Q_PROPERTY(QColor colorBaseNode READ colorBaseNode WRITE setColorBaseNode)
+    Q_PROPERTY(QColor colorTextNode READ colorTextNode WRITE setColorTextNode)
+    Q_PROPERTY(QColor colorSelNode READ colorSelNode WRITE setColorSelNode)
+    Q_PROPERTY(QColor colorRectNode READ colorRectNode WRITE setColorRectNode)
+    Q_PROPERTY(QColor colorRectSelNode READ colorRectSelNode WRITE setColorRectSelNode)
+
+public:
+    using Node = Graph::Node;
+    using Object = VOM::Object;
+
+    /// What add() found: the nodes of the objects, by whether they are visible.
+    struct AddedNodes {
+        std::set<RefT<Node>> hidden;
+        std::set<RefT<Node>> visible;
+    };
+
+    struct SigNodeData : SigVoidData {
+        std::vector<RefT<Object>> const *objs; ///< The objects concerned. Not owned.
+    };
+    struct SigPopupMenuData : SigVoidData {
+        int x, y; ///< The mouse point in viewport coordinates, without scroll.
+    };
+    struct SigPaintNodeIconData : SigVoidData {
+        PtrT<Object> const *obj; ///< Not owned.
+        QPainter *painter;       ///< On the viewport. Not owned.
+        int x, y, w, h;          ///< The icon's square, in viewport coordinates.
+    };
+
+    /// `exporter` writes the XML of drag payloads; without one they carry none.
+    explicit ObjectGraphView(RefT<Exporter> const &exporter = {}, QWidget *parent = nullptr);
+    ~ObjectGraphView() override;
+
+    /// \name Objects
+    /// @{
+
+    /// Makes a hidden node for each object that has none, and brings the links up to date if there
+    /// was any: one call with many objects costs far less than many calls.
+    ///
+    /// No node becomes visible here. With `report` the result tells how each object stands, and a
+    /// repaint is asked for; without it the result is empty.
+    AddedNodes add(std::vector<RefT<Object>> const &objs, bool report);
+    AddedNodes add(std::size_t n, RefT<Object> const *objs, bool report);
+
+    /// Forgets the objects. sigRemoveNode follows with those that were visible, if any.
+    void remove(std::vector<RefT<Object>> const &objs);
+    void remove(std::size_t n, RefT<Object> const *objs);
+
+    /// Forgets all objects. No signal follows.
+    void clear();
+
+    /// Shows or hides the nodes of these objects. Showing lays out anew, with the node of the last
+    /// object that changed held in place. sigInsertNode or sigRemoveNode follows with the objects
+    /// that changed, if any, and sigSel if a selected one did.
+    void setVisible(std::vector<RefT<Object>> const &objs, bool visible);
+    void setVisible(std::size_t n, RefT<Object> const *objs, bool visible);
+    /// Shows or hides the widget itself.
+    void setVisible(bool visible) override;
+
+    /// All objects with a node, in address order.
+    std::vector<RefT<Object>> getObjs() const;
+    /// The objects whose nodes are visible, in address order.
+    std::vector<RefT<Object>> getVisibleObjs() const;
+    /// False for an object without a node, too.
+    bool isVisible(PtrT<Object> const &obj) const;
+    using QWidget::isVisible;
+
+    /// @}
+    /// \name Layout and positions
+    /// @{
+
+    /// Lays all visible nodes out, with those that the user can see held in place on average. Every
+    /// node starts to move to its new place; see animDuration.
+    void layout();
+    /// What the last layout made. All zero before the first.
+    LayoutFigures const &getLayoutFigures() const { return layoutFigures; }
+
+    /// The current centre of the object's node, also of a hidden one. False when it has none.
+    bool getPos(PtrT<Object> const &obj, int &x, int &y) const;
+    /// Moves the node of an object, at once or by animation, until the next layout. False when it
+    /// has none. Asks for no repaint by itself.
+    bool setPos(PtrT<Object> const &obj, int x, int y, bool animated);
+
+    /// @}
+    /// \name Selection
+    /// @{
+
+    /// Selects the nodes of these objects and no others. sigSel isn't emitted.
+    void setSel(std::vector<RefT<Object>> const &objs);
+    /// The objects whose nodes are selected and visible, in address order.
+    std::vector<RefT<Object>> getSel() const;
+    /// Scrolls to selected nodes that are out of sight, one screenful for each call.
+    void showSel();
+
+    /// @}
+    /// \name Link fields
+    /// Which fields make links, by class name and field name. The empty class name stands for every
+    /// class, and a base class for its derived ones. A link of an out field runs from the field's
+    /// object to the linked one, a link of an in field the other way. An empty field name is ignored.
+    /// @{
+    using LinkFields = std::map<std::string, std::set<std::string>>;
+
+    void addOutLinkField(std::string const &className, std::string const &fieldName);
+    void removeOutLinkField(std::string const &className, std::string const &fieldName);
+    void addInLinkField(std::string const &className, std::string const &fieldName);
+    void removeInLinkField(std::string const &className, std::string const &fieldName);
+    bool isOutLinkField(RefT<Field> const &field) const;
+    bool isInLinkField(RefT<Field> const &field) const;
+    LinkFields const &getOutLinkFields() const { return outLinkFields; }
+    LinkFields const &getInLinkFields() const { return inLinkFields; }
+    /// @}
+
+    /// \name Labels and icons
+    /// @{
+
+    /// Where nodes get their icons; empty by default. Nodes that exist keep the icon they have.
+    RefT<ObjectIconDB> const &getObjIconDB() const { return objIconDB; }
+    void setObjIconDB(RefT<ObjectIconDB> const &db);
+    /// The name of the string field that labels nodes; empty by default.
+    std::string const &getFieldName() const { return fieldName; }
+    void setFieldName(std::string const &name);
+    /// Whether labels show the class name; true by default.
+    bool isTypeName() const { return typeName; }
+    void setTypeName(bool on);
+    /// The name of the string field that supplies tooltips; empty by default.
+    std::string const &getFieldTooltip() const { return fieldTooltip; }
+    void setFieldTooltip(std::string const &name);
+
+    /// @}
+    /// \name Refresh
+    /// @{
+
+    bool canRefresh() const { return refreshEnabled; }
+    /// Switches repaint requests on or off and returns how it was. A request made while they were
+    /// off is carried out when they are switched on.
+    bool setRefresh(bool on);
+
+    /// @}
+
+    PropT<double> animDuration; ///< Seconds of every animation, used within 0 to 60; 2 by default.
+    PropT<bool> tooltip;        ///< Whether nodes have tooltips; false by default.
+
+    /// The user changed the selection, or a selected node was shown or hidden.
+    SignalT<SigVoidData> sigSel;
+    /// A context menu is asked for.
+    SignalT<SigPopupMenuData> sigPopupMenu;
+    SignalT<SigNodeData> sigInsertNode; ///< Nodes became visible.
+    SignalT<SigNodeData> sigRemoveNode; ///< Nodes stopped being visible.
+    /// A node's icon was painted; a listener may paint over it.
+    SignalT<SigPaintNodeIconData> sigPaintNodeIcon;
+
+protected:
+    struct NodePalette {
+        QColor colorBaseNode, colorTextNode, colorSelNode, colorRectNode, colorRectSelNode;
+    };
+    NodePalette const &getNodePalette() const { return nodePalette; }
+
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+    /// Makes `count` intermediate nodes on a link and returns them from the `from` side to the `to`
+    /// side; empty when `count` is 0 or the link doesn't exist.
+    std::vector<RefT<Node>> split(Node &from, Node &to, unsigned count);
+    /// Makes the link direct. Does nothing when it doesn't exist.
+    void unsplit(Node &from, Node &to);
+
+    /// Calls onPaintNodeIcon(), then emits sigPaintNodeIcon.
+    void paintNodeIcon(PtrT<Object> const &obj, QPainter &painter, int x, int y, int w, int h);
+    /// Called after a node's icon was painted, also when there is none. Does nothing by default.
+    virtual void onPaintNodeIcon(PtrT<Object> const &obj, QPainter &painter, int x, int y, int w,
+                                 int h);
+
+private:
+    friend class Graph::Node;
+    friend struct GraphViewAccess; // The tests' view of what lies below.
+
+    struct NodeSlot {
+        Signal::Connection sigDeleteConn;
+        RefT<Node> node; // The sole long-term owner.
+    };
+    /// By address, which also look-ups by any other pointer to the object can do.
+    struct ByAddress {
+        using is_transparent = void;
+        bool operator()(Ptr const &a, Ptr const &b) const { return a < b; }
+    };
+    using Nodes = std::map<PtrT<Object>, NodeSlot, ByAddress>;
+
+    /// Holds back repaints while many links change.
+    class RefreshPause {
+    public:
+        explicit RefreshPause(ObjectGraphView &pausedView);
+        ~RefreshPause();
+        RefreshPause(RefreshPause const &) = delete;
+        RefreshPause &operator=(RefreshPause const &) = delete;
+
+    private:
+        ObjectGraphView &view;
+        const bool wasEnabled;
+    };
+
+    Node *findNode(Ptr const &obj) const;
+    Node *findVisibleNode(Ptr const &obj) const;
+    std::vector<RefT<Object>> collectObjs(bool (*wanted)(Node const &)) const;
+    void eraseSlot(Nodes::iterator slot);
+    void refresh(bool stale);
+    void updateViewport();
+    bool storeVisible(Node &node, bool visible);
+    void emitSigInsertNode(std::vector<RefT<Object>> const &objs);
+    void emitSigRemoveNode(std::vector<RefT<Object>> const &objs);
+    void onPtrClassSigDelete(SigVoidData const &data);
+    void onTooltipSigSet(PropT<bool>::SigSetData const &data);
+
+    // Link tracking.
+    LinkFields &linkFields(Graph::Direction direction);
+    bool isLinkField(LinkFields const &map, PtrT<Field> const &field) const;
+    void addLinkField(Graph::Direction direction, std::string const &className,
+                      std::string const &name);
+    void removeLinkField(Graph::Direction direction, std::string const &className,
+                         std::string const &name);
+    void link(Node &from, Node &to, unsigned count);
+    void unlink(Node &from, Node &to, unsigned count);
+    void linkAlong(Graph::Direction direction, Node &node, Ptr const &obj);
+    void unlinkAlong(Graph::Direction direction, Node &node, Ptr const &obj);
+    void connectField(Graph::Direction direction, Node &node, Field &field);
+    template <class LinkField>
+    void watchField(Graph::Direction direction, Node &node, LinkField &field);
+    void removeWatchedField(Graph::Direction direction, Node &node, Field &field);
+    void connectLinkFields(Node &node);
+    void dropLinks(Node &node);
+    void clearLinks();
+    void updateLinks();
+    void watchObject(Node &node);
+    void onObjectSigAddField(Node &node, SigAddFieldData const &data);
+    void onObjectSigRemoveField(Node &node, SigRemoveFieldData const &data);
+
+    // Labels and icons.
+    void updateIcon(Node &node);
+    void updateLabel(Node &node, Field const *leaving = nullptr);
+    void updateLabels();
+    void onRefObjIconDBSigDelete(SigVoidData const &data);
+
+    // Layout.
+    void layout(RefT<Node> const &anchor);
+    std::vector<RefT<Node>> findAnchors(RefT<Node> const &anchor) const;
+    std::set<RefT<Node>> beginLayout();
+    void layoutComponents(std::set<RefT<Node>> visibleNodes);
+    void commitLayout(int dx, int dy);
+    void startAnimation();
+    void place(RefT<Node> const &node, int x, int y);
+    void move(RefT<Node> const &node, int x, int y);
+    void updateSize(Node &node);
+
+    // Painting.
+    struct PaintContext;
+    void setupDefaultColors();
+    void setupDefaultNodePaletteColors();
+    void updateScrollbars();
+    bool getVisibleBound(std::vector<RefT<Node>> const &boundNodes, int &left, int &top, int &right,
+                         int &bottom) const;
+    bool getVisibleBound(int &left, int &top, int &right, int &bottom) const;
+    void measureVisibleNodes();
+    void paintBackground(PaintContext const &context);
+    void paintOutLinks(PaintContext const &context, Node const &node);
+    void paintNode(PaintContext const &context, Node &node);
+    void paintArrow(PaintContext const &context, int x, int y, double degrees);
+
+    // Animation.
+    double animPeriod() const;
+    void startScrolling(int x, int y);
+    void onQTimerAnimSigTimeout();
+    void onScrollQTimerAnimSigTimeout();
+
+    QColor colorBg0() const { return bg0; }
+    QColor colorBg1() const { return bg1; }
+    QColor colorBaseNode() const { return nodePalette.colorBaseNode; }
+    QColor colorTextNode() const { return nodePalette.colorTextNode; }
+    QColor colorSelNode() const { return nodePalette.colorSelNode; }
+    QColor colorRectNode() const { return nodePalette.colorRectNode; }
+    QColor colorRectSelNode() const { return nodePalette.colorRectSelNode; }
+    void setColorBg0(QColor const &color) { setColor(bg0, color); }
+    void setColorBg1(QColor const &color) { setColor(bg1, color); }
+    void setColorBaseNode(QColor const &color) { setColor(nodePalette.colorBaseNode, color); }
+    void setColorTextNode(QColor const &color) { setColor(nodePalette.colorTextNode, color); }
+    void setColorSelNode(QColor const &color) { setColor(nodePalette.colorSelNode, color); }
+    void setColorRectNode(QColor const &color) { setColor(nodePalette.colorRectNode, color); }
+    void setColorRectSelNode(QColor const &color) { setColor(nodePalette.colorRectSelNode, color); }
+    void setColor(QColor &stored, QColor const &color);
+
+    RefT<Exporter> xmlExporter;
+    LinkFields outLinkFields, inLinkFields;
+    Nodes nodes; // In address order, from which all orders of the layout descend.
+
+    // How nodes look.
+    NodePalette nodePalette;
+    QColor bg0, bg1; // Top and bottom of the background.
+    RefT<ObjectIconDB> objIconDB;
+    Signal::Connection objIconDBConn; // To its sigDelete.
+    std::string fieldName;
+    bool typeName = true;
+    std::string fieldTooltip;
+    const int iconSize; // Edge of an icon, and of the bands over and under a node's box.
+    const int margin = 2;
+    const int xSpacing = 8, ySpacing = 8;
+
+    bool boundsStale = false;    // Sizes and the scroll range are to be redone at the next paint.
+    bool refreshPending = false; // A viewport update was withheld.
+    bool refreshEnabled = true;
+    std::size_t selCursor = 0; // Where the next showSel() begins, in the sorted selection.
+
+    QTimer animTimer; // Moves nodes.
+    Time animStart;
+    QTimer scrollTimer; // Moves the scroll bars.
+    Time scrollStart;
+    int scrollFromX = 0, scrollFromY = 0, scrollToX = 0, scrollToY = 0;
+
+    LayoutFigures layoutFigures;
+};
+
+} // namespace ZR::VOM::GUI

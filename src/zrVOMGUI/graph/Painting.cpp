@@ -1,0 +1,297 @@
+// The picture: a gradient, then every link, then every node box on top. A node is three bands: an
+// empty one of the icon's height, the box, and another empty one. Links run from the top of the lower
+// band of their from node to the top of the box of their to node; the bands also hold the arrows that
+// tell of hidden neighbours.
+
+#include "zrVOMGUI/graph/ObjectGraphView.h"
+#include "zrVOMGUI/graph/private/Node.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QLinearGradient>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyle>
+#include <QStyleOption>
+
+#include <algorithm>
+#include <utility>
+
+namespace ZR::VOM::GUI {
+
+namespace {
+
+bool hasHiddenNeighbour(Graph::LinkMap const &links)
+{
+    return std::any_of(links.begin(), links.end(),
+                       [](auto const &link) { return !link.first->visible; });
+}
+
+template <std::size_t n>
+QPoint drawRoute(QPainter &painter, const QPoint (&points)[n])
+{
+    painter.drawPolyline(points, static_cast<int>(n));
+    return points[n - 1];
+}
+
+} // namespace
+
+/// What one paint needs at every node.
+struct ObjectGraphView::PaintContext {
+    QPainter &painter;
+    QPoint scroll;
+    int width, height; // Of the widget.
+
+    bool isOffScreen(int left, int top, int w, int h) const
+    {
+        return left + w < 0 || top + h < 0 || left >= width || top >= height;
+    }
+    QPoint centreOf(Node const &node) const { return QPoint(node.x, node.y) - scroll; }
+};
+
+void ObjectGraphView::paintEvent(QPaintEvent *)
+{
+    if (boundsStale) {
+        measureVisibleNodes();
+        updateScrollbars();
+        boundsStale = false;
+    }
+    QPainter painter(viewport());
+    const PaintContext context{
+        painter, QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value()), width(),
+        height()};
+    paintBackground(context);
+    for (auto const &[obj, slot] : nodes)
+        if (slot.node->visible)
+            paintOutLinks(context, *slot.node);
+    for (auto const &[obj, slot] : nodes)
+        if (slot.node->visible)
+            paintNode(context, *slot.node);
+}
+
+void ObjectGraphView::measureVisibleNodes()
+{
+    for (auto const &[obj, slot] : nodes)
+        if (slot.node->visible)
+            updateSize(*slot.node);
+}
+
+void ObjectGraphView::paintBackground(PaintContext const &context)
+{
+    QLinearGradient gradient(0, 0, 0, context.height);
+    gradient.setColorAt(0, isEnabled() ? bg0 : palette().color(QPalette::Window));
+    gradient.setColorAt(1.0, bg1);
+    context.painter.fillRect(0, 0, context.width, context.height, gradient);
+}
+
+void ObjectGraphView::paintOutLinks(PaintContext const &context, Node const &node)
+{
+    QPainter &painter = context.painter;
+    const QPoint source = context.centreOf(node);
+    const QPoint start = source + QPoint(0, node.bottomY);
+    const int half = iconSize / 2;
+    for (auto const &[far, entry] : node.linkedOut) {
+        if (!far->visible)
+            continue;
+        const QPoint target = context.centreOf(*far);
+        const QPoint end = target + QPoint(0, far->topY + iconSize);
+        const bool isBackLink = end.y() < start.y();
+        QPoint pen = start;
+        if (far.get() == &node) {
+            // A loop, round the right side only.
+            const int right = target.x() + node.width / 2 + margin;
+            const int below = start.y() + half;
+            const int above = target.y() + node.topY + half;
+            pen = drawRoute(painter, {start, start + QPoint(half, half), QPoint(right, below),
+                                      QPoint(right, above), QPoint(target.x() + half, above)});
+            painter.drawLine(pen, end);
+            continue;
+        }
+        if (isBackLink) {
+            const int left = start.x() - node.width / 2 - margin;
+            pen = drawRoute(painter, {start, start + QPoint(-half, half),
+                                      QPoint(left, start.y() + half),
+                                      QPoint(left, source.y() + node.topY + half)});
+        }
+        forEachIntermediate(entry, [&](Node const &station) {
+            const QPoint centre = context.centreOf(station);
+            QPoint enter = centre + QPoint(0, station.topY + iconSize);
+            QPoint leave = centre + QPoint(0, station.bottomY);
+            if (isBackLink)
+                std::swap(enter, leave);
+            pen = drawRoute(painter, {pen, enter, leave});
+        });
+        if (isBackLink) {
+            // KEPT: the heights are those of the source's bands and not of the target's. The two are
+            // the same for nodes of equal height, and hosts' pictures show this route.
+            const int right = target.x() + far->width / 2 + margin;
+            const int below = target.y() + half + node.bottomY;
+            const int above = target.y() + half + node.topY;
+            pen = drawRoute(painter, {pen, QPoint(right, below), QPoint(right, above),
+                                      QPoint(target.x() + half, above)});
+        }
+        painter.drawLine(pen, end);
+    }
+}
+
+void ObjectGraphView::paintNode(PaintContext const &context, Node &node)
+{
+    QPainter &painter = context.painter;
+    const QPoint centre = context.centreOf(node);
+    const int left = centre.x() - node.width / 2;
+    const int top = centre.y() - node.height / 2;
+    if (context.isOffScreen(left, top, node.width, node.height))
+        return;
+
+    if (node.isIntermediate()) {
+        // KEPT: the line stands half a node height above the points of the links, since its offsets
+        // are added to the node's top and not to its centre. Whoever paints a station by itself gets
+        // the line there.
+        painter.drawLine(left, top + node.topY + iconSize, left, top + node.bottomY);
+        return;
+    }
+
+    node.hiddenIn = hasHiddenNeighbour(node.linkedIn);
+    node.hiddenOut = hasHiddenNeighbour(node.linkedOut);
+    const QRect box(left, top + iconSize, node.width, node.height - 2 * iconSize);
+    painter.setPen(nodePalette.colorTextNode);
+    painter.fillRect(box, node.selected ? nodePalette.colorSelNode : nodePalette.colorBaseNode);
+
+    const QPoint icon = centre + QPoint(node.iconX, node.iconY);
+    if (!context.isOffScreen(icon.x(), icon.y(), iconSize, iconSize)) {
+        if (!node.watch->icon.isNull())
+            node.watch->icon.paint(&painter, icon.x(), icon.y(), iconSize, iconSize,
+                                   Qt::AlignCenter, QIcon::Normal, QIcon::Off);
+        paintNodeIcon(node.obj, painter, icon.x(), icon.y(), iconSize, iconSize);
+    }
+    const QPoint text = centre + QPoint(node.textX, node.textY);
+    if (!context.isOffScreen(text.x(), text.y(), node.textWidth, node.textHeight))
+        painter.drawText(text.x(), text.y(), node.textWidth, node.textHeight, 0,
+                         node.watch->label);
+
+    if (node.hiddenIn)
+        paintArrow(context, centre.x() + node.arrowX, centre.y() + node.topY + iconSize, -90);
+    if (node.hiddenOut)
+        paintArrow(context, centre.x() + node.arrowX + iconSize, centre.y() + node.bottomY, 90);
+    painter.setPen(node.selected ? nodePalette.colorRectSelNode : nodePalette.colorRectNode);
+    painter.drawRect(box);
+}
+
+/// The style's arrow to the right, turned about its corner at (x, y).
+void ObjectGraphView::paintArrow(PaintContext const &context, int x, int y, double degrees)
+{
+    QPainter &painter = context.painter;
+    painter.save();
+    painter.setTransform(QTransform().translate(x, y).rotate(degrees), true);
+    QStyleOption option(1, QStyleOption::SO_Default);
+    option.initFrom(this);
+    option.rect.setCoords(0, 0, iconSize - 1, iconSize - 1);
+    option.state = QStyle::State_Children;
+    style()->drawPrimitive(QStyle::PE_IndicatorArrowRight, &option, &painter);
+    painter.restore();
+}
+
+void ObjectGraphView::paintNodeIcon(PtrT<Object> const &obj, QPainter &painter, int x, int y, int w,
+                                    int h)
+{
+    constexpr char where[] = "ZR::VOM::GUI::ObjectGraphView::paintNodeIcon";
+    tryCatch(where, [&] { onPaintNodeIcon(obj, painter, x, y, w, h); });
+    SigPaintNodeIconData data;
+    data.obj = &obj;
+    data.painter = &painter;
+    data.x = x;
+    data.y = y;
+    data.w = w;
+    data.h = h;
+    sigPaintNodeIcon.emitCatching(data, where);
+}
+
+void ObjectGraphView::onPaintNodeIcon(PtrT<Object> const &, QPainter &, int, int, int, int) {}
+
+bool ObjectGraphView::getVisibleBound(int &left, int &top, int &right, int &bottom) const
+{
+    std::vector<RefT<Node>> all;
+    all.reserve(nodes.size());
+    for (auto const &[obj, slot] : nodes)
+        all.push_back(slot.node);
+    return getVisibleBound(all, left, top, right, bottom);
+}
+
+bool ObjectGraphView::getVisibleBound(std::vector<RefT<Node>> const &boundNodes, int &left, int &top,
+                                      int &right, int &bottom) const
+{
+    bool any = false;
+    for (RefT<Node> const &node : boundNodes) {
+        if (!node || !node->visible)
+            continue;
+        const Graph::Box box = Graph::boxOf(*node);
+        left = any ? std::min(left, box.left) : box.left;
+        top = any ? std::min(top, box.top) : box.top;
+        right = any ? std::max(right, box.right) : box.right;
+        bottom = any ? std::max(bottom, box.bottom) : box.bottom;
+        any = true;
+    }
+    left -= xSpacing;
+    right += xSpacing;
+    top -= ySpacing;
+    bottom += ySpacing;
+    return any;
+}
+
+void ObjectGraphView::updateScrollbars()
+{
+    int left = 0, top = 0, right = 0, bottom = 0;
+    getVisibleBound(left, top, right, bottom);
+    int w = width();
+    int h = height();
+    // Each bar takes room that may call for the other one; the second turn settles both.
+    for (int turn = 0; turn < 2; ++turn) {
+        if (right - left > w)
+            h = height() - horizontalScrollBar()->height();
+        if (bottom - top > h)
+            w = width() - verticalScrollBar()->width();
+    }
+    horizontalScrollBar()->setRange(left, right - w);
+    horizontalScrollBar()->setPageStep(w);
+    verticalScrollBar()->setRange(top, bottom - h);
+    verticalScrollBar()->setPageStep(h);
+}
+
+void ObjectGraphView::resizeEvent(QResizeEvent *)
+{
+    updateScrollbars();
+}
+
+void ObjectGraphView::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::StyleChange) {
+        // With a style sheet its values stand; without one the defaults come back.
+        if (qApp->styleSheet().isEmpty())
+            setupDefaultColors();
+        return;
+    }
+    if (event->type() == QEvent::FontChange) {
+        for (auto const &[obj, slot] : nodes)
+            slot.node->sizeDirty = true;
+        refresh(true);
+    }
+    QFrame::changeEvent(event);
+}
+
+void ObjectGraphView::setupDefaultColors()
+{
+    bg0 = QColor(0xfff8c8);
+    bg1 = QColor(0xffffff);
+    setupDefaultNodePaletteColors();
+}
+
+void ObjectGraphView::setupDefaultNodePaletteColors()
+{
+    nodePalette.colorBaseNode = QColor(0xffffff);
+    nodePalette.colorTextNode = QColor(0x000000);
+    nodePalette.colorSelNode = QColor(0xc0e0ff);
+    nodePalette.colorRectNode = QColor(0x000000);
+    nodePalette.colorRectSelNode = QColor(0x000000);
+}
+
+} // namespace ZR::VOM::GUI
