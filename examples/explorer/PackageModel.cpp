@@ -1,0 +1,166 @@
+#include "PackageModel.h"
+
+#include <algorithm>
+#include <iterator>
+#include <set>
+
+namespace Explorer {
+
+using ZR::cast;
+using ZR::PtrT;
+using ZR::RefT;
+using ZR::VOM::FieldInt;
+using ZR::VOM::FieldPtr;
+using ZR::VOM::FieldReal;
+using ZR::VOM::FieldRef;
+using ZR::VOM::FieldString;
+using ZR::VOM::MFieldPtr;
+using ZR::VOM::MFieldRef;
+using ZR::VOM::Object;
+
+ZR::VOM::ClassInfo const Item::classInfo = {&Object::classInfo, "Item"};
+ZR::VOM::ClassInfo const Maintainer::classInfo = {&Item::classInfo, "Maintainer"};
+ZR::VOM::ClassInfo const Details::classInfo = {&Item::classInfo, "Details"};
+ZR::VOM::ClassInfo const Package::classInfo = {&Item::classInfo, "Package"};
+ZR::VOM::ClassInfo const Section::classInfo = {&Item::classInfo, "Section"};
+
+Item::Item(std::string const &itemName)
+{
+    ZR::VOM::addField<FieldString>(*this, "name", itemName);
+}
+
+std::string const &Item::getName() const
+{
+    static std::string const none;
+    auto *const name = cast<FieldString>(findField("name"));
+    return name ? name->get() : none;
+}
+
+Priority priorityOf(std::string const &name)
+{
+    static std::map<std::string, Priority> const priorities = {{"required", Required},
+                                                               {"important", Important},
+                                                               {"standard", Standard},
+                                                               {"optional", Optional},
+                                                               {"extra", Extra}};
+    const auto entry = priorities.find(name);
+    return entry == priorities.end() ? Unknown : entry->second;
+}
+
+Package::Package(PackageRecord const &record, PtrT<Maintainer> const &maintainer)
+    : Item(record.name)
+{
+    ZR::VOM::addField<FieldString>(*this, "version", record.version);
+    ZR::VOM::addField<FieldString>(*this, "summary", record.summary);
+    ZR::VOM::addField<FieldReal>(*this, "size", record.installedSize);
+    ZR::VOM::addField<FieldInt>(*this, "priority", priorityOf(record.priority));
+    ZR::VOM::addField<MFieldPtr>(*this, "depends");
+    ZR::VOM::addField<FieldPtr>(*this, "maintainer", maintainer);
+    ZR::VOM::addField<FieldRef>(*this, "details", RefT<Object>(new Details(record.summary)));
+}
+
+MFieldPtr *Package::getDepends() const
+{
+    return cast<MFieldPtr>(findField("depends"));
+}
+
+Section::Section(std::string const &sectionName, Objects const &packages)
+    : Item(sectionName)
+{
+    ZR::VOM::addField<MFieldRef>(*this, "packages", packages);
+}
+
+PackageModel::PackageModel(std::vector<PackageRecord> const &records)
+{
+    makeObjects(records);
+    linkDependencies(records);
+}
+
+void PackageModel::makeObjects(std::vector<PackageRecord> const &records)
+{
+    std::map<std::string, RefT<Maintainer>> maintainersByName;
+    std::map<std::string, Objects> packagesBySection;
+    for (PackageRecord const &record : records) {
+        RefT<Maintainer> maintainer;
+        if (!record.maintainer.empty()) {
+            RefT<Maintainer> &known = maintainersByName[record.maintainer];
+            if (!known)
+                known = new Maintainer(record.maintainer);
+            maintainer = known;
+        }
+        const RefT<Package> package(new Package(record, maintainer));
+        packages.push_back(package);
+        packagesByName.emplace(record.name, package);
+        packagesBySection[record.section.empty() ? "unknown" : record.section].push_back(package);
+    }
+    for (auto const &[name, maintainer] : maintainersByName)
+        maintainers.push_back(maintainer);
+    for (auto const &[name, sectionPackages] : packagesBySection)
+        sections.emplace_back(new Section(name, sectionPackages));
+}
+
+void PackageModel::linkDependencies(std::vector<PackageRecord> const &records)
+{
+    std::map<std::string, RefT<Package>> met = packagesByName;
+    for (std::size_t i = 0; i < records.size(); ++i)
+        for (std::string const &name : records[i].provides)
+            met.emplace(name, packages[i]);
+
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        std::vector<PtrT<Object>> depends;
+        std::set<Object const *> known;
+        for (auto const &alternatives : records[i].depends) {
+            const auto chosen = std::find_if(alternatives.begin(), alternatives.end(),
+                                             [&](auto const &name) { return met.count(name); });
+            if (chosen == alternatives.end())
+                continue;
+            RefT<Package> const &package = met.at(*chosen);
+            if (known.insert(package.get()).second)
+                depends.emplace_back(package);
+        }
+        packages[i]->getDepends()->replace(0, 0, depends);
+    }
+}
+
+Objects PackageModel::getObjects() const
+{
+    Objects objects(sections.begin(), sections.end());
+    objects.insert(objects.end(), maintainers.begin(), maintainers.end());
+    for (RefT<Package> const &package : packages) {
+        objects.push_back(package);
+        auto *const details = cast<FieldRef>(package->findField("details"));
+        if (details && details->get())
+            objects.push_back(details->get());
+    }
+    return objects;
+}
+
+RefT<Package> PackageModel::findPackage(std::string const &name) const
+{
+    const auto entry = packagesByName.find(name);
+    return entry == packagesByName.end() ? RefT<Package>() : entry->second;
+}
+
+Objects PackageModel::getDependencies(Package const &package)
+{
+    Objects dependencies;
+    if (MFieldPtr const *const depends = package.getDepends())
+        for (PtrT<Object> const &dependency : depends->getAll())
+            if (dependency)
+                dependencies.emplace_back(dependency);
+    return dependencies;
+}
+
+Objects PackageModel::getDependents(Package const &package) const
+{
+    Objects dependents;
+    for (RefT<Package> const &other : packages) {
+        Objects const dependencies = getDependencies(*other);
+        if (std::any_of(dependencies.begin(), dependencies.end(),
+                        [&](RefT<Object> const &object) { return object.get() == &package; }))
+            dependents.push_back(other);
+    }
+    return dependents;
+}
+
+} // namespace Explorer
