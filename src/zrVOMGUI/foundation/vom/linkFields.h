@@ -41,6 +41,12 @@ inline bool isLinkListType(int type)
     return type == 11 || type == 12;
 }
 
+/// Whether fields of this type code own what they link to.
+inline bool isOwningLinkType(int type)
+{
+    return type == 6 || type == 12;
+}
+
 /// Calls `use` with a RefT<Object> for each link of the field that is set, in list order. Does
 /// nothing for a field that holds no links.
 template <class Use>
