@@ -111,7 +111,7 @@ void ObjectGraphView::layoutComponents(std::set<RefT<Node>> visibleNodes)
         Hierarchy hierarchy(geometry, layoutFigures);
         const Hierarchy::NodeSet component = hierarchy.assignRanks(representative);
         hierarchy.orderLayers(component);
-        const Graph::Box bound = hierarchy.assignCoordinates(component);
+        const Graph::Bounds bound = hierarchy.assignCoordinates(component);
         const int dx = cursor - bound.left + xSpacing;
         const int dy = -bound.top;
         for (RefT<Node> const &node : component) {

@@ -26,7 +26,7 @@ bool hasField(ObjectGraphView::LinkFields const &map, std::string const &classNa
     return entry != map.end() && entry->second.count(fieldName) != 0;
 }
 
-void disconnect(Graph::FieldConns &conns)
+void disconnectBoth(Graph::FieldConns &conns)
 {
     conns.setConn.disconnect();
     conns.lostConn.disconnect();
@@ -35,7 +35,7 @@ void disconnect(Graph::FieldConns &conns)
 void disconnectAll(std::map<PtrT<Field>, Graph::FieldConns> &fields)
 {
     for (auto &[field, conns] : fields)
-        disconnect(conns);
+        disconnectBoth(conns);
     fields.clear();
 }
 
@@ -175,23 +175,23 @@ template <class LinkField>
 void ObjectGraphView::watchField(Direction direction, Node &node, LinkField &field)
 {
     Graph::FieldConns &conns = watchedFields(node, direction)[PtrT<Field>(field)];
-    disconnect(conns);
+    disconnectBoth(conns);
     if constexpr (std::is_base_of_v<MField, LinkField>) {
         conns.setConn = field.sigReplace.connect(
-            [this, direction, &node](typename LinkField::SigReplaceData const &data) {
-                auto const &changed = static_cast<LinkField const &>(*data.ptr);
+            [this, direction, &node](typename LinkField::SigReplaceData const &sigData) {
+                auto const &changed = static_cast<LinkField const &>(*sigData.ptr);
                 const RefreshPause pause(*this);
-                for (std::size_t i = 0; i < data.numOld; ++i)
-                    unlinkAlong(direction, node, data.old[i]);
-                for (std::size_t i = data.index; i < data.end && i < changed.getNum(); ++i)
+                for (std::size_t i = 0; i < sigData.numOld; ++i)
+                    unlinkAlong(direction, node, sigData.old[i]);
+                for (std::size_t i = sigData.index; i < sigData.end && i < changed.getNum(); ++i)
                     linkAlong(direction, node, changed.get(i));
             },
             PtrT<Class>(field));
     } else {
         conns.setConn = field.sigSet.connect(
-            [this, direction, &node](typename LinkField::SigSetData const &data) {
-                unlinkAlong(direction, node, *data.old);
-                linkAlong(direction, node, static_cast<LinkField const &>(*data.ptr).get());
+            [this, direction, &node](typename LinkField::SigSetData const &sigData) {
+                unlinkAlong(direction, node, *sigData.old);
+                linkAlong(direction, node, static_cast<LinkField const &>(*sigData.ptr).get());
             },
             PtrT<Class>(field));
     }
@@ -205,7 +205,7 @@ void ObjectGraphView::removeWatchedField(Direction direction, Node &node, Field 
     const auto watched = fields.find(PtrT<Field>(field));
     if (watched == fields.end())
         return;
-    disconnect(watched->second);
+    disconnectBoth(watched->second);
     fields.erase(watched);
     const RefreshPause pause(*this);
     forEachLink(field, [&](RefT<Object> const &value) { unlinkAlong(direction, node, value); });
@@ -257,20 +257,20 @@ void ObjectGraphView::connectLinkFields(Node &node)
 void ObjectGraphView::watchObject(Node &node)
 {
     node.watch->addFieldConn = node.obj->sigAddField.connect(
-        [this, &node](SigAddFieldData const &data) { onObjectSigAddField(node, data); });
+        [this, &node](SigAddFieldData const &sigData) { onObjectSigAddField(node, sigData); });
     node.watch->removeFieldConn = node.obj->sigRemoveField.connect(
-        [this, &node](SigRemoveFieldData const &data) { onObjectSigRemoveField(node, data); });
+        [this, &node](SigRemoveFieldData const &sigData) { onObjectSigRemoveField(node, sigData); });
 }
 
 /// KEPT: a list field added to a live object isn't linked here, only a single link is; the list
 /// begins to link at the next add() that makes a node. Hosts build lists field by field and rely on
 /// the view not following the half-built object.
-void ObjectGraphView::onObjectSigAddField(Node &node, SigAddFieldData const &data)
+void ObjectGraphView::onObjectSigAddField(Node &node, SigAddFieldData const &sigData)
 {
     // A listener before this one may have removed fields.
-    if (data.index >= node.obj->getNumFields())
+    if (sigData.index >= node.obj->getNumFields())
         return;
-    const RefT<Field> field = node.obj->getField(data.index);
+    const RefT<Field> field = node.obj->getField(sigData.index);
     if (field->getType() == 5 || field->getType() == 6) {
         if (isInLinkField(field))
             connectField(Direction::In, node, *field);
@@ -281,10 +281,10 @@ void ObjectGraphView::onObjectSigAddField(Node &node, SigAddFieldData const &dat
         updateLabel(node);
 }
 
-void ObjectGraphView::onObjectSigRemoveField(Node &node, SigRemoveFieldData const &data)
+void ObjectGraphView::onObjectSigRemoveField(Node &node, SigRemoveFieldData const &sigData)
 {
-    Field &field = **data.field;
-    if (node.watch->nameField == *data.field) {
+    Field &field = **sigData.field;
+    if (node.watch->nameField == *sigData.field) {
         node.watch->nameField.reset();
         updateLabel(node, &field);
     }

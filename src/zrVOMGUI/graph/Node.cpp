@@ -26,9 +26,9 @@ Node::~Node()
     view->dropLinks(*this);
 }
 
-Box boxOf(Node const &node)
+Bounds boundsOf(Node const &node)
 {
-    Box box;
+    Bounds box;
     box.left = node.x - node.width / 2;
     box.top = node.y - node.height / 2;
     box.right = box.left + node.width;

@@ -139,8 +139,8 @@ void ObjectGraphView::setVisible(std::size_t n, RefT<Object> const *const objs, 
     else
         emitSigRemoveNode(changed);
     if (self && selectionChanged) {
-        SigVoidData data;
-        sigSel.emitCatching(data, "ZR::VOM::GUI::ObjectGraphView::setVisible");
+        SigVoidData sigData;
+        sigSel.emitCatching(sigData, "ZR::VOM::GUI::ObjectGraphView::setVisible");
     }
 }
 
@@ -263,23 +263,23 @@ void ObjectGraphView::emitSigInsertNode(std::vector<RefT<Object>> const &objs)
 {
     if (objs.empty())
         return;
-    SigNodeData data;
-    data.objs = &objs;
-    sigInsertNode.emitCatching(data, "ZR::VOM::GUI::ObjectGraphView::emitSigInsertNode");
+    SigNodeData sigData;
+    sigData.objs = &objs;
+    sigInsertNode.emitCatching(sigData, "ZR::VOM::GUI::ObjectGraphView::emitSigInsertNode");
 }
 
 void ObjectGraphView::emitSigRemoveNode(std::vector<RefT<Object>> const &objs)
 {
     if (objs.empty())
         return;
-    SigNodeData data;
-    data.objs = &objs;
-    sigRemoveNode.emitCatching(data, "ZR::VOM::GUI::ObjectGraphView::emitSigRemoveNode");
+    SigNodeData sigData;
+    sigData.objs = &objs;
+    sigRemoveNode.emitCatching(sigData, "ZR::VOM::GUI::ObjectGraphView::emitSigRemoveNode");
 }
 
-void ObjectGraphView::onPtrClassSigDelete(SigVoidData const &data)
+void ObjectGraphView::onPtrClassSigDelete(SigVoidData const &sigData)
 {
-    const auto slot = nodes.find(data.ptr);
+    const auto slot = nodes.find(sigData.ptr);
     if (slot != nodes.end())
         eraseSlot(slot);
 }

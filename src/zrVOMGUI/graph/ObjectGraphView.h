@@ -255,8 +255,8 @@ private:
     bool storeVisible(Node &node, bool visible);
     void emitSigInsertNode(std::vector<RefT<Object>> const &objs);
     void emitSigRemoveNode(std::vector<RefT<Object>> const &objs);
-    void onPtrClassSigDelete(SigVoidData const &data);
-    void onTooltipSigSet(PropT<bool>::SigSetData const &data);
+    void onPtrClassSigDelete(SigVoidData const &sigData);
+    void onTooltipSigSet(PropT<bool>::SigSetData const &sigData);
 
     // Link tracking.
     LinkFields &linkFields(Graph::Direction direction);
@@ -278,14 +278,14 @@ private:
     void clearLinks();
     void updateLinks();
     void watchObject(Node &node);
-    void onObjectSigAddField(Node &node, SigAddFieldData const &data);
-    void onObjectSigRemoveField(Node &node, SigRemoveFieldData const &data);
+    void onObjectSigAddField(Node &node, SigAddFieldData const &sigData);
+    void onObjectSigRemoveField(Node &node, SigRemoveFieldData const &sigData);
 
     // Labels and icons.
     void updateIcon(Node &node);
     void updateLabel(Node &node, Field const *leaving = nullptr);
     void updateLabels();
-    void onRefObjIconDBSigDelete(SigVoidData const &data);
+    void onRefObjIconDBSigDelete(SigVoidData const &sigData);
 
     // Layout.
     void layout(RefT<Node> const &anchor);

@@ -196,14 +196,14 @@ void ObjectGraphView::paintNodeIcon(PtrT<Object> const &obj, QPainter &painter, 
 {
     constexpr char where[] = "ZR::VOM::GUI::ObjectGraphView::paintNodeIcon";
     tryCatch(where, [&] { onPaintNodeIcon(obj, painter, x, y, w, h); });
-    SigPaintNodeIconData data;
-    data.obj = &obj;
-    data.painter = &painter;
-    data.x = x;
-    data.y = y;
-    data.w = w;
-    data.h = h;
-    sigPaintNodeIcon.emitCatching(data, where);
+    SigPaintNodeIconData sigData;
+    sigData.obj = &obj;
+    sigData.painter = &painter;
+    sigData.x = x;
+    sigData.y = y;
+    sigData.w = w;
+    sigData.h = h;
+    sigPaintNodeIcon.emitCatching(sigData, where);
 }
 
 void ObjectGraphView::onPaintNodeIcon(PtrT<Object> const &, QPainter &, int, int, int, int) {}
@@ -224,7 +224,7 @@ bool ObjectGraphView::getVisibleBound(std::vector<RefT<Node>> const &boundNodes,
     for (RefT<Node> const &node : boundNodes) {
         if (!node || !node->visible)
             continue;
-        const Graph::Box box = Graph::boxOf(*node);
+        const Graph::Bounds box = Graph::boundsOf(*node);
         left = any ? std::min(left, box.left) : box.left;
         top = any ? std::min(top, box.top) : box.top;
         right = any ? std::max(right, box.right) : box.right;
@@ -280,18 +280,18 @@ void ObjectGraphView::changeEvent(QEvent *event)
 
 void ObjectGraphView::setupDefaultColors()
 {
-    bg0 = QColor(0xfff8c8);
-    bg1 = QColor(0xffffff);
+    bg0 = QColor(QRgb(0xfff8c8));
+    bg1 = QColor(QRgb(0xffffff));
     setupDefaultNodePaletteColors();
 }
 
 void ObjectGraphView::setupDefaultNodePaletteColors()
 {
-    nodePalette.colorBaseNode = QColor(0xffffff);
-    nodePalette.colorTextNode = QColor(0x000000);
-    nodePalette.colorSelNode = QColor(0xc0e0ff);
-    nodePalette.colorRectNode = QColor(0x000000);
-    nodePalette.colorRectSelNode = QColor(0x000000);
+    nodePalette.colorBaseNode = QColor(QRgb(0xffffff));
+    nodePalette.colorTextNode = QColor(QRgb(0x000000));
+    nodePalette.colorSelNode = QColor(QRgb(0xc0e0ff));
+    nodePalette.colorRectNode = QColor(QRgb(0x000000));
+    nodePalette.colorRectSelNode = QColor(QRgb(0x000000));
 }
 
 } // namespace ZR::VOM::GUI

@@ -10,29 +10,29 @@
 
 namespace ZR::VOM::GUI {
 
-using Graph::Box;
+using Graph::Bounds;
 
 namespace {
 
 struct View {
     int x, y, width, height;
 
-    bool contains(Box const &box) const
+    bool contains(Bounds const &box) const
     {
         return box.left >= x && box.top >= y && box.right <= x + width && box.bottom <= y + height;
     }
-    bool canHold(Box const &box) const
+    bool canHold(Bounds const &box) const
     {
         return box.right - box.left <= width && box.bottom - box.top <= height;
     }
 };
 
-Box grown(Box box, int dx, int dy)
+Bounds grown(Bounds box, int dx, int dy)
 {
     return {box.left - dx, box.top - dy, box.right + dx, box.bottom + dy};
 }
 
-Box unite(Box const &a, Box const &b)
+Bounds unite(Bounds const &a, Bounds const &b)
 {
     return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
             std::max(a.bottom, b.bottom)};
@@ -93,20 +93,20 @@ void ObjectGraphView::showSel()
                     viewport()->width(), viewport()->height()};
     selCursor %= num;
     std::size_t first = selCursor;
-    while (view.contains(boxOf(*selected[first]))) {
+    while (view.contains(boundsOf(*selected[first]))) {
         first = (first + 1) % num;
         if (first == selCursor)
             return;
     }
 
     const auto grownBox = [&](std::size_t i) {
-        return grown(boxOf(*selected[i]), xSpacing, ySpacing);
+        return grown(boundsOf(*selected[i]), xSpacing, ySpacing);
     };
-    Box shown = grownBox(first);
+    Bounds shown = grownBox(first);
     std::size_t stop = first;
     if (first != selCursor) {
         for (stop = (first + 1) % num; stop != selCursor; stop = (stop + 1) % num) {
-            const Box with = unite(shown, grownBox(stop));
+            const Bounds with = unite(shown, grownBox(stop));
             if (!view.canHold(with))
                 break;
             shown = with;

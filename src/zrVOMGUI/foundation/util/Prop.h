@@ -6,7 +6,7 @@
 namespace ZR {
 
 /// Base of properties: a value of an Object that announces its changes.
-class Prop {
+class ZRUTIL_EXPORT Prop {
 protected:
     explicit Prop(Object &propertyOwner) : owner(propertyOwner) {}
     virtual ~Prop() = default;
@@ -23,7 +23,7 @@ private:
 
 /// A property with a value of type T.
 template <class T>
-class PropT : public Prop {
+class ZRUTIL_EXPORT PropT : public Prop {
 public:
     struct SigCanSetData : SigVoidData {
         T const *value; ///< About to be stored. Not owned.

@@ -71,7 +71,7 @@ protected:
 };
 
 template <class T>
-class RefT;
+class ZRUTIL_EXPORT RefT;
 
 /// Watching pointer: doesn't keep its target alive, and reads null once the target is gone.
 ///
@@ -80,7 +80,7 @@ class RefT;
 ///     owner.reset();                   // destroyed
 ///     watcher.get();                   // null
 template <class T>
-class PtrT : public Ptr {
+class ZRUTIL_EXPORT PtrT : public Ptr {
 public:
     PtrT() = default;
     PtrT(std::nullptr_t) {}
@@ -132,7 +132,7 @@ private:
 
 /// Owning reference: as long as one is there, its target lives.
 template <class T>
-class RefT : public Ref {
+class ZRUTIL_EXPORT RefT : public Ref {
 public:
     RefT() = default;
     RefT(std::nullptr_t) {}

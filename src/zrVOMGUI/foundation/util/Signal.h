@@ -14,7 +14,7 @@ namespace ZR {
 /// Base of all signal data.
 ///
 /// Before each slot is called, the signal fills in what that slot was connected with.
-struct SigVoidData {
+struct ZRUTIL_EXPORT SigVoidData {
     PtrT<Class> ptr;
     RefT<Class> ref;
 };
@@ -105,7 +105,7 @@ private:
 /// - destroy the signal: the emission ends without touching it again;
 /// - throw: the exception passes on to the emitter, and the signal is ready for the next emission.
 template <class Data>
-class SignalT : public Signal {
+class ZRUTIL_EXPORT SignalT : public Signal {
 public:
     using Function = std::function<void(Data const &)>;
 

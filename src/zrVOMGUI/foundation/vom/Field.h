@@ -65,7 +65,7 @@ PtrT<Field> cloneField(FieldType const &field, Object &newOwner)
 /// The traits of a field class.
 template <int typeCode, class ValueType, class ReferenceType, class ConstReferenceType,
           class ContainerType>
-struct FieldTypeT {
+struct ZRVOM_EXPORT FieldTypeT {
     static constexpr int code = typeCode;
     using Value = ValueType;
     using Reference = ReferenceType;
@@ -78,18 +78,18 @@ struct FieldTypeT {
 
 /// What only the link fields have: nothing for plain values,
 template <bool isLink, bool isWatching>
-struct LinkPartT {};
+struct ZRVOM_EXPORT LinkPartT {};
 
 /// a signal for the links that own,
 template <>
-struct LinkPartT<true, false> {
+struct ZRVOM_EXPORT LinkPartT<true, false> {
     /// The linked object died, and the field reads null.
     SignalT<SigVoidData> sigLost;
 };
 
 /// and an ear at the target for the links that watch.
 template <>
-struct LinkPartT<true, true> : LinkPartT<true, false> {
+struct ZRVOM_EXPORT LinkPartT<true, true> : LinkPartT<true, false> {
     void watch(Object *target, Field &field) { lostWatch.watch(target, field); }
 
 private:

@@ -14,7 +14,7 @@ namespace ZR::VOM::GUI::Graph {
 /// y from the layers' heights. Departs from it in that
 /// - every link edge has weight 1, with no priority for the inner segments of long links;
 /// - layers are stacked by the full height of the layer before, not by half heights.
-Box Hierarchy::assignCoordinates(NodeSet const &nodes)
+Bounds Hierarchy::assignCoordinates(NodeSet const &nodes)
 {
     const StageTimer timer(figures.coordsTime);
     solveX(nodes);
@@ -75,14 +75,14 @@ void Hierarchy::assignY()
     }
 }
 
-Box Hierarchy::bound() const
+Bounds Hierarchy::bound() const
 {
     constexpr int lowest = std::numeric_limits<int>::min();
     constexpr int highest = std::numeric_limits<int>::max();
-    Box all{highest, highest, lowest, lowest};
+    Bounds all{highest, highest, lowest, lowest};
     for (auto const &layer : layers) {
         for (RefT<Node> const &node : layer) {
-            const Box box = boxOf(*node);
+            const Bounds box = boundsOf(*node);
             all.left = std::min(all.left, box.left);
             all.top = std::min(all.top, box.top);
             all.right = std::max(all.right, box.right);

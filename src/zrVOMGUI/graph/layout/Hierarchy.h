@@ -46,7 +46,7 @@ public:
     void orderLayers(NodeSet const &nodes);
 
     /// Gives every node its place, local to the component, and returns the bound.
-    Box assignCoordinates(NodeSet const &nodes);
+    Bounds assignCoordinates(NodeSet const &nodes);
 
     /// Turns back the links that cycle breaking turned. Answers whether there was any.
     bool revertLinks();
@@ -79,7 +79,7 @@ private:
     // Coordinate assignment.
     void solveX(NodeSet const &nodes);
     void assignY();
-    Box bound() const;
+    Bounds bound() const;
     double horizontalLength() const;
 
     Geometry const &geometry;

@@ -90,10 +90,10 @@ public:
 };
 
 /// The rectangle that a node takes, bands included: right and bottom are left and top plus the size.
-struct Box {
+struct Bounds {
     int left, top, right, bottom;
 };
-Box boxOf(Node const &node);
+Bounds boundsOf(Node const &node);
 
 /// Where the next piece of a link leads along one of its ends: to an intermediate node, or straight
 /// to the far end.

@@ -1,0 +1,52 @@
+#pragma once
+
+// What the tests of the graph see of a view beyond its public interface.
+
+#include "zrVOMGUI/graph/ObjectGraphView.h"
+#include "zrVOMGUI/graph/private/Node.h"
+
+#include <QTimer>
+
+namespace ZR::VOM::GUI {
+
+struct GraphViewAccess {
+    using Node = Graph::Node;
+
+    static Node *node(ObjectGraphView &view, Ptr const &obj) { return view.findNode(obj); }
+    static std::size_t numNodes(ObjectGraphView const &view) { return view.nodes.size(); }
+
+    static bool &boundsStale(ObjectGraphView &view) { return view.boundsStale; }
+    static bool &refreshPending(ObjectGraphView &view) { return view.refreshPending; }
+    static std::size_t &selCursor(ObjectGraphView &view) { return view.selCursor; }
+    static QTimer &animTimer(ObjectGraphView &view) { return view.animTimer; }
+    static QTimer &scrollTimer(ObjectGraphView &view) { return view.scrollTimer; }
+    static Time &animStart(ObjectGraphView &view) { return view.animStart; }
+    static Time &scrollStart(ObjectGraphView &view) { return view.scrollStart; }
+    static int xSpacing(ObjectGraphView const &view) { return view.xSpacing; }
+    static int ySpacing(ObjectGraphView const &view) { return view.ySpacing; }
+    static int iconSize(ObjectGraphView const &view) { return view.iconSize; }
+    static int margin(ObjectGraphView const &view) { return view.margin; }
+
+    static void link(ObjectGraphView &view, Node &from, Node &to, unsigned count)
+    {
+        view.link(from, to, count);
+    }
+    static void unlink(ObjectGraphView &view, Node &from, Node &to, unsigned count)
+    {
+        view.unlink(from, to, count);
+    }
+    static std::vector<RefT<Node>> split(ObjectGraphView &view, Node &from, Node &to, unsigned count)
+    {
+        return view.split(from, to, count);
+    }
+    static void unsplit(ObjectGraphView &view, Node &from, Node &to) { view.unsplit(from, to); }
+    static void updateSize(ObjectGraphView &view, Node &node) { view.updateSize(node); }
+    static void updateLinks(ObjectGraphView &view) { view.updateLinks(); }
+    static bool getVisibleBound(ObjectGraphView &view, std::vector<RefT<Node>> const &nodes, int &left,
+                                int &top, int &right, int &bottom)
+    {
+        return view.getVisibleBound(nodes, left, top, right, bottom);
+    }
+};
+
+} // namespace ZR::VOM::GUI
