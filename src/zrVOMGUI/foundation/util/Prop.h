@@ -3,6 +3,10 @@
 #include "zrVOMGUI/foundation/util/Object.h"
 #include "zrVOMGUI/foundation/util/Signal.h"
 
+// A host may have included Qt first, whose keywords are macros.
+#pragma push_macro("emit")
+#undef emit
+
 namespace ZR {
 
 /// Base of properties: a value of an Object that announces its changes.
@@ -59,3 +63,5 @@ public:
 };
 
 } // namespace ZR
+
+#pragma pop_macro("emit")

@@ -9,6 +9,12 @@
 #include <type_traits>
 #include <utility>
 
+// A host may have included Qt first, whose keywords are macros.
+#pragma push_macro("emit")
+#undef emit
+#pragma push_macro("slots")
+#undef slots
+
 namespace ZR {
 
 /// Base of all signal data.
@@ -257,3 +263,6 @@ private:
 };
 
 } // namespace ZR
+
+#pragma pop_macro("emit")
+#pragma pop_macro("slots")

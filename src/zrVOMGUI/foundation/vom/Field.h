@@ -10,6 +10,10 @@
 #include <type_traits>
 #include <utility>
 
+// A host may have included Qt first, whose keywords are macros.
+#pragma push_macro("emit")
+#undef emit
+
 namespace ZR::VOM {
 
 /// One named field of an object.
@@ -217,3 +221,5 @@ extern template class FieldT<
     FieldTypeT<6, RefT<Object>, RefT<Object> &, RefT<Object> const &, RefT<Object>>>;
 
 } // namespace ZR::VOM
+
+#pragma pop_macro("emit")

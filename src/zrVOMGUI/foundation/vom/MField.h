@@ -8,6 +8,10 @@
 #include <variant>
 #include <vector>
 
+// A host may have included Qt first, whose keywords are macros.
+#pragma push_macro("emit")
+#undef emit
+
 namespace ZR::VOM {
 
 /// A field with a list of values.
@@ -197,3 +201,5 @@ extern template class MFieldT<
     FieldTypeT<12, RefT<Object>, RefT<Object> &, RefT<Object> const &, std::vector<RefT<Object>>>>;
 
 } // namespace ZR::VOM
+
+#pragma pop_macro("emit")
