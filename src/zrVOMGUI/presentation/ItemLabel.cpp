@@ -74,17 +74,16 @@ std::string getItemLabel(RefT<Object> const &object, RefT<FieldString> const &na
     if (!format)
         return {};
     // In the order of the constants' names: type, address, name.
-    std::vector<std::string> parts;
+    std::string const addressPart = address ? addressText(*object) : std::string();
+    std::vector<char const *> parts;
     if (typeName)
-        parts.emplace_back(object->getClassInfo().name);
+        parts.push_back(object->getClassInfo().name);
     if (address)
-        parts.push_back(addressText(*object));
+        parts.push_back(addressPart.c_str());
     if (nameField)
-        parts.push_back(nameField->get());
-    std::vector<char const *> args;
-    for (std::string const &part : parts)
-        args.push_back(part.c_str());
-    return _compose(getLocText(format), static_cast<unsigned>(args.size()), args.data());
+        parts.push_back(nameField->get().c_str());
+    char const *const *const args = parts.data();
+    return _compose(getLocText(format), static_cast<unsigned>(parts.size()), args);
 }
 
 std::string getItemLabel(RefT<Object> const &object, std::string const &fieldName, bool typeName,

@@ -135,7 +135,7 @@ private:
     std::map<Value, QIcon> table;
 };
 
-extern template class ObjectFieldIconDBT<FieldInt>;
+extern template class ZRVOMGUI_EXPORT ObjectFieldIconDBT<FieldInt>;
 
 /// Icons by some of the bits of an integer field.
 class ZRVOMGUI_EXPORT ObjectFieldIntIconDB : public ObjectFieldIconDBT<FieldInt> {
