@@ -308,6 +308,7 @@ private:
     bool getVisibleBound(int &left, int &top, int &right, int &bottom) const;
     void measureVisibleNodes();
     void paintBackground(PaintContext const &context);
+    void paintLinks(PaintContext const &context);
     void paintOutLinks(PaintContext const &context, Node const &node);
     void paintNode(PaintContext const &context, Node &node);
     void paintArrow(PaintContext const &context, int x, int y, double degrees);

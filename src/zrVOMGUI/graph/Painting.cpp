@@ -61,9 +61,7 @@ void ObjectGraphView::paintEvent(QPaintEvent *)
         painter, QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value()), width(),
         height()};
     paintBackground(context);
-    for (auto const &[obj, slot] : nodes)
-        if (slot.node->visible)
-            paintOutLinks(context, *slot.node);
+    paintLinks(context);
     for (auto const &[obj, slot] : nodes)
         if (slot.node->visible)
             paintNode(context, *slot.node);
@@ -82,6 +80,19 @@ void ObjectGraphView::paintBackground(PaintContext const &context)
     gradient.setColorAt(0, isEnabled() ? bg0 : palette().color(QPalette::Window));
     gradient.setColorAt(1.0, bg1);
     context.painter.fillRect(0, 0, context.width, context.height, gradient);
+}
+
+/// Slanted pieces are smoothed; upright ones stay sharp, since the lines run through the middle of
+/// their pixels.
+void ObjectGraphView::paintLinks(PaintContext const &context)
+{
+    context.painter.save();
+    context.painter.setRenderHint(QPainter::Antialiasing);
+    context.painter.translate(0.5, 0.5);
+    for (auto const &[obj, slot] : nodes)
+        if (slot.node->visible)
+            paintOutLinks(context, *slot.node);
+    context.painter.restore();
 }
 
 void ObjectGraphView::paintOutLinks(PaintContext const &context, Node const &node)
