@@ -14,7 +14,8 @@ struct Room {
     QStringList mayKnow; // Beside itself.
 };
 
-// A room stands before the rooms that it lies in.
+// A room stands before the rooms that it lies in. What the graph's widget and its engine share, the
+// nodes, their links and a layout's figures, counts as a room of its own, "graph/nodes".
 std::vector<Room> const &rooms()
 {
     static const QStringList foundation{"foundation/util", "foundation/vom", "foundation/gui"};
@@ -39,8 +40,9 @@ QString roomOf(QString const &path)
 {
     if (path == "export.h")
         return "export";
-    // The view's nodes and links are all that widget and engine share.
-    if (path == "graph/private/Node.h" || path == "graph/private/NodeLinks.h")
+    static const QStringList shared{"graph/private/Node.h", "graph/private/NodeLinks.h",
+                                    "graph/LayoutFigures.h"};
+    if (shared.contains(path))
         return "graph/nodes";
     for (Room const &room : rooms()) {
         if (path.startsWith(room.name + '/'))
@@ -105,15 +107,18 @@ bool isLayoutStage(QString const &path)
     return stage.match(path).hasMatch();
 }
 
-bool isPrivate(QString const &path)
+// The folder that a private header serves; empty for a header that hosts may include.
+QString ownerOfPrivate(QString const &path)
 {
-    return path.contains("/private/");
+    if (path.startsWith("graph/layout/"))
+        return "graph/";
+    const int index = path.indexOf("/private/");
+    return index < 0 ? QString() : path.left(index + 1);
 }
 
-// Whether the file lies in the room beside which the private folder stands.
-bool mayUsePrivate(QString const &path, QString const &other)
+bool isPrivate(QString const &path)
 {
-    return path.startsWith(other.left(other.indexOf("private/")));
+    return !ownerOfPrivate(path).isEmpty();
 }
 
 QString baseNameOf(QString const &path)
@@ -130,7 +135,7 @@ QString brokenByOwn(QString const &path, QString const &other)
         return "no room of that name";
     if (!mayKnow(room, otherRoom))
         return room + " may not know " + otherRoom;
-    if (isPrivate(other) && !mayUsePrivate(path, other))
+    if (!path.startsWith(ownerOfPrivate(other)))
         return "what is private serves its own room alone";
     if (isPrivate(other) && path.endsWith(".h") && !isPrivate(path))
         return "a public header may not include a private one";

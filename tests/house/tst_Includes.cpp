@@ -139,6 +139,10 @@ void tst_Includes::forbiddenIncludesAreFound_data()
         "only LayoutDriver");
     row("public header includes a private one", "graph/ObjectGraphView.h",
         "\"zrVOMGUI/graph/private/Painting.h\"", "public header");
+    row("public header includes a stage", "graph/ObjectGraphView.h",
+        "\"zrVOMGUI/graph/layout/Hierarchy.h\"", "public header");
+    row("figures know a stage", "graph/LayoutFigures.h", "\"zrVOMGUI/graph/layout/Hierarchy.h\"",
+        "may not know graph/layout");
     row("another room's private header", "trees/v2/Rows.cpp",
         "\"zrVOMGUI/presentation/private/Lookup.h\"", "its own room alone");
     row("header beside the file", "graph/Painting.cpp", "\"ObjectGraphView.h\"",
@@ -194,6 +198,12 @@ void tst_Includes::allowedIncludesPass_data()
     row("driver knows a stage", "graph/LayoutDriver.cpp", "\"zrVOMGUI/graph/layout/Hierarchy.h\"");
     row("engine knows the view's nodes", "graph/layout/Ranking.cpp",
         "\"zrVOMGUI/graph/private/Node.h\"");
+    row("engine's header knows the view's nodes", "graph/layout/Hierarchy.h",
+        "\"zrVOMGUI/graph/private/Node.h\"");
+    row("engine writes a layout's figures", "graph/layout/Hierarchy.h",
+        "\"zrVOMGUI/graph/LayoutFigures.h\"");
+    row("view tells a layout's figures", "graph/ObjectGraphView.h",
+        "\"zrVOMGUI/graph/LayoutFigures.h\"");
     row("links know nodes", "graph/private/NodeLinks.h", "\"zrVOMGUI/graph/private/Node.h\"");
     row("engine knows the model", "graph/layout/Hierarchy.h",
         "\"zrVOMGUI/foundation/vom/Object.h\"");
