@@ -5,28 +5,34 @@
 #include <functional>
 #include <new>
 #include <thread>
+#include <vector>
 
 namespace ZR {
 
-namespace {
-
 // Locks are shared by address and not kept in the objects: a pointer may find out that its target
 // died while it waited, and must be able to look without touching the dead object.
-struct alignas(64) LockStripe {
-    std::atomic_flag flag = ATOMIC_FLAG_INIT;
+//
+// A lock knows its thread, which may take it again. Otherwise a thread that holds the lock of one
+// object would wait for itself as soon as it points to another one that shares the lock.
+struct alignas(64) PtrLock {
+    std::atomic<void const *> holder{nullptr}; // What only one thread can name; null when free.
+    unsigned depth = 0;                        // The holder's.
 };
-constexpr std::size_t numLockStripes = 256;
-LockStripe lockStripes[numLockStripes];
 
-std::atomic_flag &lockOf(Class const &object)
+namespace {
+
+PtrLock &lockOf(Class const &object)
 {
-    const auto address = reinterpret_cast<std::uintptr_t>(&object);
-    return lockStripes[(address >> 4) * 0x9e3779b97f4a7c15u >> 56].flag;
+    static PtrLock locks[256];
+    const std::uint64_t address = reinterpret_cast<std::uintptr_t>(&object);
+    return locks[(address >> 4) * 0x9e3779b97f4a7c15u >> 56];
 }
 
-// Memory that operator new gave out and whose object hasn't begun its life. A constructor that finds
-// itself in such a block knows that it is on the heap. More than one block is open while arguments
-// of a constructor create further objects.
+thread_local const char thisThread = 0;
+
+// Memory that operator new gave out and whose object hasn't begun its life. A constructor that
+// finds itself in such a block knows that it is on the heap. More than one block is open while
+// arguments of a constructor create further objects.
 struct OpenBlocks {
     static constexpr unsigned maxNum = 32;
     char const *begin[maxNum];
@@ -35,7 +41,8 @@ struct OpenBlocks {
 
     void open(void *memory, std::size_t blockSize)
     {
-        // Past the limit the outermost block is forgotten; its object leaks rather than dying early.
+        // Past the limit the outermost block is forgotten; its object leaks rather than dying
+        // early.
         if (num == maxNum)
             erase(0);
         begin[num] = static_cast<char const *>(memory);
@@ -90,7 +97,10 @@ void Class::operator delete(void *memory)
     ::operator delete(memory);
 }
 
-Class::Class() : state(openBlocks.claim(this) ? onHeap : 0) {}
+Class::Class()
+    : state(openBlocks.claim(this) ? onHeap : 0)
+{
+}
 
 Class::~Class()
 {
@@ -98,15 +108,24 @@ Class::~Class()
     forgetWatchers();
 }
 
-Class::LockPtr::LockPtr(Class &object) : flag(lockOf(object))
+Class::LockPtr::LockPtr(Class &object)
+    : lock(lockOf(object))
 {
-    while (flag.test_and_set(std::memory_order_acquire))
-        std::this_thread::yield();
+    void const *holder = lock.holder.load(std::memory_order_relaxed);
+    while (holder != &thisThread) {
+        holder = nullptr;
+        if (lock.holder.compare_exchange_weak(holder, &thisThread, std::memory_order_acquire))
+            break;
+        if (holder)
+            std::this_thread::yield();
+    }
+    ++lock.depth;
 }
 
 Class::LockPtr::~LockPtr()
 {
-    flag.clear(std::memory_order_release);
+    if (--lock.depth == 0)
+        lock.holder.store(nullptr, std::memory_order_release);
 }
 
 void Class::announceDelete() noexcept
@@ -145,8 +164,32 @@ void Class::release()
     assert((before & countMask) != 0);
     if ((before & countMask) == 1) {
         announceDelete();
-        delete this;
+        destroy();
     }
+}
+
+// An object that goes may hold the last reference to the next one, and so on: a long chain must not
+// take stack for each of its objects. Past a depth that stacks bear, objects wait for their turn.
+void Class::destroy()
+{
+    constexpr unsigned maxDepth = 100;
+    thread_local unsigned depth = 0;
+    thread_local std::vector<Class *> *waiting = nullptr;
+
+    if (depth == maxDepth) {
+        waiting->push_back(this);
+        return;
+    }
+    std::vector<Class *> waitingBelow;
+    if (++depth == maxDepth)
+        waiting = &waitingBelow;
+    delete this;
+    while (!waitingBelow.empty()) {
+        Class *const next = waitingBelow.back();
+        waitingBelow.pop_back();
+        delete next;
+    }
+    --depth;
 }
 
 } // namespace ZR

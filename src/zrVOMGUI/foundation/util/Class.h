@@ -10,10 +10,15 @@
 
 namespace ZR {
 
+struct PtrLock;
+
 /// Root of everything that can be pointed at.
 ///
 /// Objects created with new are destroyed by their last RefT. Objects on the stack, or inside
 /// another object, can be pointed at all the same: a RefT to one owns nothing.
+///
+/// A class that has this as its second base must not have a first base that holds further objects
+/// of this kind by value: created with new, the one that is constructed first counts as the whole.
 class ZRUTIL_EXPORT Class {
 public:
     virtual ~Class();
@@ -21,8 +26,8 @@ public:
     static void *operator new(std::size_t size);
     static void operator delete(void *memory);
 
-    /// Scoped lock on the list of pointers that watch one object. Not recursive, and held for a few
-    /// instructions only.
+    /// Scoped lock on the list of pointers that watch one object, to be held for a few instructions
+    /// only. A thread that holds it may take it again, and set pointers to the object.
     class ZRUTIL_EXPORT LockPtr {
     public:
         explicit LockPtr(Class &object);
@@ -31,14 +36,15 @@ public:
         LockPtr &operator=(LockPtr const &) = delete;
 
     private:
-        std::atomic_flag &flag;
+        PtrLock &lock;
     };
 
 private:
     friend class Ptr;
     friend class Ref;
 
-    std::atomic<Ptr *> watchers{nullptr}; // Head of an intrusive list through all watching pointers.
+    std::atomic<Ptr *> watchers{
+        nullptr}; // Head of an intrusive list through all watching pointers.
 
 public:
     /// Emitted once, when the object is being destroyed and every pointer still reads it.
@@ -49,13 +55,19 @@ public:
     /// destroy it twice. A slot that throws is reported, and the others are called all the same.
     SignalT<SigVoidData> sigDelete;
 
+    /// Whether sigDelete is being emitted or was: whoever connects to it now may not be called.
+    bool isBeingDeleted() const { return (state.load(std::memory_order_relaxed) & dying) != 0; }
+
 protected:
     Class();
-    Class(Class const &) : Class() {}
+    Class(Class const &)
+        : Class()
+    {
+    }
     Class &operator=(Class const &) { return *this; }
 
-    /// Emits sigDelete unless that is done. For the first line of a destructor whose class wants its
-    /// members readable in the slots of an object that isn't owned by references.
+    /// Emits sigDelete unless that is done. For the first line of a destructor whose class wants
+    /// its members readable in the slots of an object that isn't owned by references.
     void announceDelete() noexcept;
 
     /// Lets every watching pointer read null. For a destructor that must act after that.
@@ -73,6 +85,7 @@ private:
     /// Counts a reference, or answers false when references don't own this object.
     bool retain();
     void release();
+    void destroy();
 
     std::atomic<std::uint32_t> state;
 };
@@ -80,7 +93,10 @@ private:
 /// A word of flags. What a bit means is the derived class's affair.
 class Flags {
 public:
-    explicit Flags(unsigned initialFlags = 0) : flags(initialFlags) {}
+    explicit Flags(unsigned initialFlags = 0)
+        : flags(initialFlags)
+    {
+    }
 
     unsigned getFlags() const { return flags; }
     void setFlags(unsigned newFlags) { flags = newFlags; }

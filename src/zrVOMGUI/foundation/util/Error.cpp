@@ -15,8 +15,10 @@ ErrorSink &errorSink()
 
 void report(std::string const &where, std::string const &what)
 {
-    if (errorSink())
-        errorSink()(where, what);
+    // A sink may set another one.
+    const ErrorSink sink = errorSink();
+    if (sink)
+        sink(where, what);
     else
         std::cerr << where << ": " << what << '\n';
 }

@@ -14,7 +14,10 @@ namespace ZR {
 class ZRUTIL_EXPORT Error : public std::exception {
 public:
     Error() = default;
-    explicit Error(std::string text) : message(std::move(text)) {}
+    explicit Error(std::string text)
+        : message(std::move(text))
+    {
+    }
 
     char const *what() const noexcept override { return message.c_str(); }
 
@@ -25,7 +28,10 @@ private:
 /// A binary payload is malformed.
 class ZRUTIL_EXPORT ErrorBinaryDecode : public Error {
 public:
-    ErrorBinaryDecode() : Error("malformed binary payload") {}
+    ErrorBinaryDecode()
+        : Error("malformed binary payload")
+    {
+    }
 };
 
 /// Runs `f`, catches every exception, reports it under the name `where`, and answers whether `f`
@@ -38,9 +44,9 @@ ZRUTIL_EXPORT void reportCaughtException(char const *where) noexcept;
 /// Takes the reports of tryCatch: the place, and what the exception says.
 using ErrorSink = std::function<void(std::string const &where, std::string const &what)>;
 
-/// Sets where reports go, and returns the sink before it. An empty sink stands for the default, which
-/// writes "where: what" and a line feed to the standard error stream. The sink serves all threads;
-/// set it before they start. An exception from a sink is dropped.
+/// Sets where reports go, and returns the sink before it. An empty sink stands for the default,
+/// which writes "where: what" and a line feed to the standard error stream. The sink serves all
+/// threads; set it before they start. An exception from a sink is dropped.
 ZRUTIL_EXPORT ErrorSink setErrorSink(ErrorSink sink);
 
 } // namespace ZR

@@ -2,11 +2,15 @@
 
 namespace ZR {
 
-/// Scoped guard against re-entry: a function returns at once if its flag is set, and otherwise holds
-/// a LockBool on it.
+/// Scoped guard against re-entry: a function returns at once if its flag is set, and otherwise
+/// holds a LockBool on it.
 class LockBool {
 public:
-    explicit LockBool(bool &guardedFlag) : flag(guardedFlag) { flag = true; }
+    explicit LockBool(bool &guardedFlag)
+        : flag(guardedFlag)
+    {
+        flag = true;
+    }
     ~LockBool() { flag = false; }
     LockBool(LockBool const &) = delete;
     LockBool &operator=(LockBool const &) = delete;

@@ -27,7 +27,10 @@ private:
 class ZRUTIL_EXPORT ErrorManager {
 public:
     /// `errorLog` isn't owned and must outlive the manager.
-    explicit ErrorManager(Log &errorLog) : log(errorLog) {}
+    explicit ErrorManager(Log &errorLog)
+        : log(errorLog)
+    {
+    }
 
     void report(std::string const &message);
 
@@ -41,7 +44,9 @@ private:
 class ZRUTIL_EXPORT Progress {
 public:
     /// Long work with a `title`; `canCancel` says whether the user may be offered to end it.
-    Progress(std::string const &workTitle, bool canCancel) : title(workTitle), cancellable(canCancel)
+    Progress(std::string const &workTitle, bool canCancel)
+        : title(workTitle)
+        , cancellable(canCancel)
     {
     }
     virtual ~Progress();

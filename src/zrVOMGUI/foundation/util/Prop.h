@@ -12,7 +12,10 @@ namespace ZR {
 /// Base of properties: a value of an Object that announces its changes.
 class ZRUTIL_EXPORT Prop {
 protected:
-    explicit Prop(Object &propertyOwner) : owner(propertyOwner) {}
+    explicit Prop(Object &propertyOwner)
+        : owner(propertyOwner)
+    {
+    }
     virtual ~Prop() = default;
 
 public:
@@ -36,18 +39,26 @@ public:
         T const *old; ///< The value before; the property has the new one. Not owned.
     };
 
-    PropT(Object &propertyOwner, T startValue) : Prop(propertyOwner), value(startValue) {}
+    PropT(Object &propertyOwner, T startValue)
+        : Prop(propertyOwner)
+        , value(startValue)
+    {
+    }
     ~PropT() override = default;
 
     T const &get() const { return value; }
 
-    /// Emits sigCanSet, whose listeners refuse by raising an Error, which passes on to the caller and
-    /// leaves the value; then stores the value and emits sigSet, also for an equal value.
+    /// Emits sigCanSet, whose listeners refuse by raising an Error, which passes on to the caller
+    /// and leaves the value; then stores the value and emits sigSet, also for an equal value. Ends
+    /// early if a listener destroys the owner.
     void set(T newValue)
     {
+        const PtrT<Object> livingOwner(getOwner());
         SigCanSetData canSetData;
         canSetData.value = &newValue;
         sigCanSet.emit(canSetData);
+        if (!livingOwner)
+            return;
         const T old = std::exchange(value, newValue);
         SigSetData setData;
         setData.old = &old;

@@ -74,8 +74,11 @@ void Ref::set(Class &newTarget)
         reset();
         target.exchange(&newTarget);
     } else {
+        // What goes now may contain the new target.
+        Ref watcher;
+        watcher.link(newTarget);
         reset();
-        link(newTarget);
+        takePlaceOf(watcher);
     }
 }
 

@@ -46,20 +46,32 @@ private:
 };
 
 // The order is that of the targets' addresses: arbitrary, but stable for one run.
-inline bool operator==(Ptr const &a, Ptr const &b) { return a.get() == b.get(); }
-inline bool operator!=(Ptr const &a, Ptr const &b) { return a.get() != b.get(); }
+inline bool operator==(Ptr const &a, Ptr const &b)
+{
+    return a.get() == b.get();
+}
+inline bool operator!=(Ptr const &a, Ptr const &b)
+{
+    return a.get() != b.get();
+}
 inline bool operator<(Ptr const &a, Ptr const &b)
 {
     return std::less<Class *>()(a.get(), b.get());
 }
-inline bool operator==(Ptr const &a, std::nullptr_t) { return a.get() == nullptr; }
-inline bool operator!=(Ptr const &a, std::nullptr_t) { return a.get() != nullptr; }
+inline bool operator==(Ptr const &a, std::nullptr_t)
+{
+    return a.get() == nullptr;
+}
+inline bool operator!=(Ptr const &a, std::nullptr_t)
+{
+    return a.get() != nullptr;
+}
 
 /// Non-template base of the owning reference.
 ///
 /// The last reference to go destroys its target, if that was created with new. A reference to an
-/// object on the stack, or one taken while its target is being destroyed, owns nothing: it reads null
-/// once the target is gone, as a watching pointer does.
+/// object on the stack, or one taken while its target is being destroyed, owns nothing: it reads
+/// null once the target is gone, as a watching pointer does.
 class ZRUTIL_EXPORT Ref : public Ptr {
 protected:
     Ref() = default;
@@ -86,7 +98,11 @@ public:
     PtrT(std::nullptr_t) {}
     PtrT(T *object) { set(object); }
     PtrT(T &object) { link(object); }
-    PtrT(PtrT const &other) : Ptr() { set(other.get()); }
+    PtrT(PtrT const &other)
+        : Ptr()
+    {
+        set(other.get());
+    }
     PtrT(PtrT &&other) noexcept { takePlaceOf(other); }
     template <class U, class = std::enable_if_t<std::is_convertible_v<U *, T *>>>
     PtrT(PtrT<U> const &other)
@@ -138,7 +154,11 @@ public:
     RefT(std::nullptr_t) {}
     RefT(T *object) { set(object); }
     RefT(T &object) { Ref::set(object); }
-    RefT(RefT const &other) : Ref() { set(other.get()); }
+    RefT(RefT const &other)
+        : Ref()
+    {
+        set(other.get());
+    }
     RefT(RefT &&other) noexcept { take(other); }
     template <class U, class = std::enable_if_t<std::is_convertible_v<U *, T *>>>
     RefT(RefT<U> const &other)

@@ -4,13 +4,17 @@
 
 namespace ZR {
 
-Signal::AnchorHolder::AnchorHolder(Anchor *held) : anchor(held)
+Signal::AnchorHolder::AnchorHolder(Anchor *held)
+    : anchor(held)
 {
     if (anchor)
         ++anchor->numHolders;
 }
 
-Signal::AnchorHolder::AnchorHolder(AnchorHolder const &other) : AnchorHolder(other.anchor) {}
+Signal::AnchorHolder::AnchorHolder(AnchorHolder const &other)
+    : AnchorHolder(other.anchor)
+{
+}
 
 Signal::AnchorHolder::~AnchorHolder()
 {
@@ -18,7 +22,9 @@ Signal::AnchorHolder::~AnchorHolder()
         delete anchor;
 }
 
-Signal::Connection::Connection(Signal &signal, unsigned slotId) : anchor(signal.anchor), id(slotId)
+Signal::Connection::Connection(Signal &signal, unsigned slotId)
+    : anchor(signal.anchor)
+    , id(slotId)
 {
 }
 
@@ -26,7 +32,6 @@ void Signal::Connection::disconnect()
 {
     // The slot's last act may destroy this handle.
     const AnchorHolder held = std::move(anchor);
-    anchor = AnchorHolder();
     if (held.get() && held.get()->signal)
         held.get()->signal->disconnect(id);
 }

@@ -42,7 +42,10 @@ protected:
 
     /// What a Connection and a running emission still find when the signal is gone.
     struct ZRUTIL_EXPORT Anchor {
-        explicit Anchor(Signal &owner) : signal(&owner) {}
+        explicit Anchor(Signal &owner)
+            : signal(&owner)
+        {
+        }
         virtual ~Anchor() = default;
         Anchor(Anchor const &) = delete;
         Anchor &operator=(Anchor const &) = delete;
@@ -57,7 +60,10 @@ protected:
         AnchorHolder() = default;
         explicit AnchorHolder(Anchor *held);
         AnchorHolder(AnchorHolder const &other);
-        AnchorHolder(AnchorHolder &&other) noexcept : anchor(std::exchange(other.anchor, nullptr)) {}
+        AnchorHolder(AnchorHolder &&other) noexcept
+            : anchor(std::exchange(other.anchor, nullptr))
+        {
+        }
         AnchorHolder &operator=(AnchorHolder other) noexcept
         {
             std::swap(anchor, other.anchor);
@@ -80,7 +86,8 @@ private:
 /// A handle to one slot of one signal.
 ///
 /// Destroying a Connection doesn't disconnect: a slot whose handle is dropped stays connected for
-/// the life of the signal. Keep the handle beside the pointer it belongs to, and disconnect by hand.
+/// the life of the signal. Keep the handle beside the pointer it belongs to, and disconnect by
+/// hand.
 class ZRUTIL_EXPORT Signal::Connection {
 public:
     Connection() = default;
@@ -145,8 +152,8 @@ public:
         run(data, [](Function const &function, Data const &slotData) { function(slotData); });
     }
 
-    /// As emit(), for places that no exception may leave, such as destructors: a slot that throws is
-    /// reported under `where`, and the slots after it are called all the same.
+    /// As emit(), for places that no exception may leave, such as destructors: a slot that throws
+    /// is reported under `where`, and the slots after it are called all the same.
     void emitCatching(Data &data, char const *where) noexcept
     {
         run(data, [where](Function const &function, Data const &slotData) {
@@ -190,7 +197,11 @@ private:
     using Slots = std::map<unsigned, Slot>;
 
     struct Table : Anchor {
-        explicit Table(Signal &owner) : Anchor(owner), cursor(slots.end()) {}
+        explicit Table(Signal &owner)
+            : Anchor(owner)
+            , cursor(slots.end())
+        {
+        }
 
         Slots slots; // In rising id order, which is the order of connecting.
         typename Slots::iterator cursor;
@@ -202,7 +213,9 @@ private:
     /// One running emission; leaves the table ready for the next one however it ends.
     class Emission {
     public:
-        explicit Emission(Table &slotTable) : holder(&slotTable), table(slotTable)
+        explicit Emission(Table &slotTable)
+            : holder(&slotTable)
+            , table(slotTable)
         {
             ++table.depth;
             table.cursor = table.slots.begin();
@@ -211,7 +224,8 @@ private:
         {
             table.cursor = table.slots.end();
             if (--table.depth == 0) {
-                // What a slot holds may emit or disconnect when it goes: the table is whole by then.
+                // What a slot holds may emit or disconnect when it goes: the table is whole by
+                // then.
                 Slots retired;
                 retired.swap(table.retired);
             }

@@ -1,7 +1,7 @@
 #include "zrVOMGUI/foundation/util/text.h"
 
+#include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <cstring>
 #include <utility>
 
@@ -55,6 +55,8 @@ unsigned sequenceLength(unsigned char const *bytes)
 
 char const *getLocText(char const *text)
 {
+    if (!text)
+        return "";
     if (installedTranslation())
         if (char const *const translated = installedTranslation()(text))
             return translated;
@@ -98,15 +100,21 @@ std::string intToStr(int value, unsigned base)
 
 std::string doubleToStr(double value, unsigned precision, bool fixed)
 {
-    const auto format = fixed ? std::chars_format::fixed : std::chars_format::general;
-    std::string text(400 + static_cast<std::size_t>(precision), '\0');
-    char *const begin = text.data();
-    char *const end = begin + text.size();
-    const auto result = precision == 0
-                            ? std::to_chars(begin, end, value)
-                            : std::to_chars(begin, end, value, format, static_cast<int>(precision));
-    text.resize(static_cast<std::size_t>(result.ptr - begin));
-    return text;
+    // A sign, 309 digits, the point and the digits behind it; fewer than 400 make the shortest
+    // text.
+    constexpr unsigned maxPrecision = 1100;
+    char text[312 + maxPrecision];
+    char *const end = text + sizeof(text);
+    const int digits = static_cast<int>(std::min(precision, maxPrecision));
+    std::to_chars_result result;
+    if (digits == 0)
+        result = fixed ? std::to_chars(text, end, value, std::chars_format::fixed)
+                       : std::to_chars(text, end, value);
+    else
+        result =
+            std::to_chars(text, end, value,
+                          fixed ? std::chars_format::fixed : std::chars_format::general, digits);
+    return std::string(text, result.ptr);
 }
 
 unsigned ceilPow2(unsigned value)

@@ -3,16 +3,16 @@
 #include "zrVOMGUI/foundation/vom/Object.h"
 #include "zrVOMGUI/foundation/vom/export.h"
 
-#include <map>
+#include <unordered_map>
 #include <vector>
 
 namespace ZR::VOM::Copy {
 
 /// A deep copier that keeps the identity of shared objects inside one run.
 ///
-/// Copies along owning links. Watching links inside the copied set point at the copies, others at the
-/// originals. An object that isSharable() is shared and not copied. Cycles of owning links are copied
-/// as they are.
+/// Copies along owning links. Watching links inside the copied set point at the copies, others at
+/// the originals. An object that isSharable() is shared and not copied. Cycles of owning links are
+/// copied as they are.
 class ZRVOM_EXPORT Context {
 public:
     Context();
@@ -20,15 +20,22 @@ public:
     Context(Context const &) = delete;
     Context &operator=(Context const &) = delete;
 
-    /// Deep copies in the order of `objs`; null for null. An object copied before, by this context,
-    /// gives the same copy.
+    /// Deep copies in the order of `objs`; null for null. An object that this context has copied
+    /// before gives the same copy. An exception from a clone() passes on; what the call copied
+    /// until then is forgotten. An object whose clone() is null copies as null.
     std::vector<RefT<Object>> copy(std::vector<RefT<Object>> const &objs);
 
 private:
-    RefT<Object> enter(RefT<Object> const &original, std::vector<RefT<Object>> &fresh);
+    struct Entry {
+        RefT<Object> original; // Null once an object that no reference owns is gone.
+        RefT<Object> copy;     // The original itself if that is sharable.
+    };
+    class Run;
+
+    Entry const *find(Object const *original) const;
     void redirectLinks(Object &copy) const;
 
-    std::map<RefT<Object>, RefT<Object>> copies; // By original; sharable objects are their own.
+    std::unordered_map<Object const *, Entry> entries; // By original.
 };
 
 } // namespace ZR::VOM::Copy

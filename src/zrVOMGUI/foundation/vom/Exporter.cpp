@@ -7,6 +7,7 @@ namespace ZR::VOM {
 Exporter::~Exporter() = default;
 Exporter::Context::~Context() = default;
 
+Importer::~Importer() = default;
 Importer::Context::~Context() = default;
 
 namespace Xml {

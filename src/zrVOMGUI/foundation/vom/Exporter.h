@@ -15,7 +15,8 @@ public:
     class Context;
 
     ~Exporter() override;
-    /// The work of writing one object and what it owns.
+    /// The work of writing one object and what it owns. `object` is on the stack or in the hands of
+    /// the caller, and outlives the context.
     virtual RefT<Context> createContext(RefT<Object> const &object) = 0;
 };
 
@@ -23,10 +24,10 @@ public:
 class ZRVOM_EXPORT Exporter::Context : public Class {
 public:
     ~Context() override;
-    /// Appends the text to `out`. Errors go to `errors`; after any, `out` isn't to be used.
+    /// Appends the text to `out`; `title` is what reports call it. Errors go to `errors`; after
+    /// any, `out` isn't to be used.
     virtual void export_(std::string &out, std::string const &title, ErrorManager &errors,
-                         Progress &progress)
-        = 0;
+                         Progress &progress) = 0;
 };
 
 } // namespace ZR::VOM

@@ -57,7 +57,8 @@ void MField::checkRange(std::size_t index, std::size_t numRemoved) const
         throw ErrorField(*this, "a range of positions that isn't in the list");
 }
 
-LostWatch::LostWatch(Object *target, Field &watchingField) : field(&watchingField)
+LostWatch::LostWatch(Object *target, Field &watchingField)
+    : field(&watchingField)
 {
     if (!target)
         return;
@@ -68,7 +69,8 @@ LostWatch::LostWatch(Object *target, Field &watchingField) : field(&watchingFiel
     target->lostWatches = this;
 }
 
-LostWatch::LostWatch(LostWatch &&other) noexcept : field(other.field)
+LostWatch::LostWatch(LostWatch &&other) noexcept
+    : field(other.field)
 {
     takePlaceOf(other);
 }

@@ -46,7 +46,8 @@ private:
     friend PtrT<Field> cloneField(FieldType const &field, Object &newOwner);
 };
 
-/// Adds a field to an object, with its start value, and returns it; emits sigAddField.
+/// Adds a field to an object, with its start value, and returns it; emits sigAddField. A listener
+/// that removes the field at once leaves the result without an object behind it.
 ///
 ///     addField<FieldString>(object, "name", "value");
 template <class FieldType, class... Args>
@@ -82,7 +83,8 @@ struct ZRVOM_EXPORT FieldTypeT {
 
 /// What only the link fields have: nothing for plain values,
 template <bool isLink, bool isWatching>
-struct ZRVOM_EXPORT LinkPartT {};
+struct ZRVOM_EXPORT LinkPartT {
+};
 
 /// a signal for the links that own,
 template <>
@@ -104,6 +106,7 @@ private:
 template <class Type>
 class ZRVOM_EXPORT FieldBaseT : public Field, public LinkPartT<Type::isLink, Type::isWatching> {
 public:
+    using Traits = Type;
     using Value = typename Type::Value;
 
     struct SigCanSetData : SigVoidData {
@@ -116,9 +119,10 @@ public:
     int getType() const override { return Type::code; }
     void copyValue(Field const &other) override
     {
-        if (other.getType() != Type::code)
+        auto const *const same = dynamic_cast<FieldBaseT const *>(&other);
+        if (!same)
             throw ErrorTypeMismatch(*this);
-        set(static_cast<FieldBaseT const &>(other).get());
+        set(same->get());
     }
     /// Called with the old value after a value was stored and before sigSet.
     virtual void onSet(Value const &old) = 0;
@@ -136,16 +140,20 @@ public:
         }
     }
 
-    /// Emits sigCanSet, whose listeners refuse by raising an Error, which passes on to the caller and
-    /// leaves the value. Then stores the value, calls onSet and emits sigSet, also for an equal value.
+    /// Emits sigCanSet, whose listeners refuse by raising an Error, which passes on to the caller
+    /// and leaves the value. Then stores the value, calls onSet and emits sigSet, also for an equal
+    /// value. Ends early if a listener destroys the field.
     void set(Value newValue)
     {
-        // A listener may remove this field.
-        const RefT<Field> self(*this);
+        const PtrT<Field> self(*this);
         emitCanSet(newValue);
+        if (!self)
+            return;
         const Value old = std::exchange(value, std::move(newValue));
         watchTarget();
         onSet(old);
+        if (!self)
+            return;
         SigSetData data;
         data.old = &old;
         sigSet.emit(data);
@@ -158,7 +166,9 @@ protected:
     {
         watchTarget();
     }
-    FieldBaseT(Object &newOwner, FieldBaseT const &other) : Field(newOwner, other), value(other.value)
+    FieldBaseT(Object &newOwner, FieldBaseT const &other)
+        : Field(newOwner, other)
+        , value(other.value)
     {
         watchTarget();
     }
@@ -192,11 +202,15 @@ class ZRVOM_EXPORT FieldT : public FieldBaseT<Type> {
 public:
     using Value = typename Type::Value;
 
-    FieldT(Object &newOwner, char const *fieldName, unsigned initialFlags = 0, Value startValue = {})
+    FieldT(Object &newOwner, char const *fieldName, unsigned initialFlags = 0,
+           Value startValue = {})
         : FieldBaseT<Type>(newOwner, fieldName, initialFlags, std::move(startValue))
     {
     }
-    FieldT(Object &newOwner, FieldT const &other) : FieldBaseT<Type>(newOwner, other) {}
+    FieldT(Object &newOwner, FieldT const &other)
+        : FieldBaseT<Type>(newOwner, other)
+    {
+    }
 
     PtrT<Field> clone(Object &newOwner) const override { return cloneField(*this, newOwner); }
     void onSet(Value const &) override {}

@@ -9,28 +9,33 @@
 
 namespace ZR::VOM {
 
-namespace Importer {
-
-/// One run of reading text into an object.
-class ZRVOM_EXPORT Context : public Class {
+/// Reads objects back from what an exporter wrote.
+class ZRVOM_EXPORT Importer : public Class {
 public:
-    ~Context() override;
-    /// Reads `size` bytes. Errors go to `errors`; after any, the target object is as it was.
-    virtual void import_(char const *data, int size, std::string const &title, ErrorManager &errors,
-                         Progress &progress)
-        = 0;
+    class Context;
+
+    ~Importer() override;
+    /// The work of reading one text into `target`, whose owning links take up what is read.
+    /// `target` is on the stack or in the hands of the caller, and outlives the context.
+    virtual RefT<Context> createContext(RefT<Object> const &target) = 0;
 };
 
-} // namespace Importer
+/// One run of an Importer.
+class ZRVOM_EXPORT Importer::Context : public Class {
+public:
+    ~Context() override;
+    /// Reads `size` bytes; `title` is what reports call them. Errors go to `errors`; after any, the
+    /// target object is as it was.
+    virtual void import_(char const *data, int size, std::string const &title, ErrorManager &errors,
+                         Progress &progress) = 0;
+};
 
 namespace Xml {
 
-/// Reads objects back from XML text. Held as RefT; the host gives one to the widgets.
-class ZRVOM_EXPORT Importer : public Class {
+/// An importer of XML text. Held as RefT; the host gives one to the widgets.
+class ZRVOM_EXPORT Importer : public VOM::Importer {
 public:
     ~Importer() override;
-    /// The work of reading one text into `target`.
-    virtual RefT<VOM::Importer::Context> createContext(RefT<Object> const &target) = 0;
 };
 
 } // namespace Xml

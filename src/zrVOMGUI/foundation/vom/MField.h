@@ -31,6 +31,7 @@ protected:
 template <class Type>
 class ZRVOM_EXPORT MFieldBaseT : public MField {
 public:
+    using Traits = Type;
     using Value = typename Type::Value;
     using Values = typename Type::Container;
 
@@ -39,8 +40,8 @@ public:
         std::size_t numRemoved; ///< Number of values to be removed.
         Values const *values;   ///< To be put in their place. Not owned.
     };
-    /// One SigReplaceData tells every change of a list: an insertion has numOld 0, a removal has end
-    /// equal to index.
+    /// One SigReplaceData tells every change of a list: an insertion has numOld 0, a removal has
+    /// end equal to index.
     struct SigReplaceData : SigVoidData {
         std::size_t index;  ///< First replaced position.
         std::size_t numOld; ///< Number of removed values.
@@ -51,9 +52,10 @@ public:
     int getType() const override { return Type::code; }
     void copyValue(Field const &other) override
     {
-        if (other.getType() != Type::code)
+        auto const *const same = dynamic_cast<MFieldBaseT const *>(&other);
+        if (!same)
             throw ErrorTypeMismatch(*this);
-        replace(0, getNum(), static_cast<MFieldBaseT const &>(other).getAll());
+        replace(0, getNum(), same->getAll());
     }
     std::size_t getNum() const override { return values.size(); }
 
@@ -78,13 +80,15 @@ public:
     ///
     /// Raises ErrorField for a range that isn't in the list. Emits sigCanReplace, whose listeners
     /// refuse by raising an Error, which passes on to the caller and leaves the list; then changes
-    /// the list and emits sigReplace.
+    /// the list and emits sigReplace. Ends early if a listener destroys the field.
     void replace(std::size_t index, std::size_t numRemoved, Values newValues)
     {
-        // A listener may remove this field, or change it: the range is checked where it is used.
-        const RefT<Field> self(*this);
+        const PtrT<Field> self(*this);
         checkRange(index, numRemoved);
         emitCanReplace(index, numRemoved, newValues);
+        if (!self)
+            return;
+        // A listener may have changed the list.
         checkRange(index, numRemoved);
         const std::size_t end = index + newValues.size();
         const Values old = splice(values, index, numRemoved, std::move(newValues));
@@ -121,8 +125,8 @@ private:
         sigCanReplace.emit(data);
     }
 
-    /// Replaces a range of `list` by `fresh` and returns what was there. Values behind the range move
-    /// at most once.
+    /// Replaces a range of `list` by `fresh` and returns what was there. Values behind the range
+    /// move at most once.
     template <class Item>
     static std::vector<Item> splice(std::vector<Item> &list, std::size_t index,
                                     std::size_t numRemoved, std::vector<Item> fresh)
@@ -185,7 +189,10 @@ public:
         : MFieldBaseT<Type>(newOwner, fieldName, initialFlags, startValues)
     {
     }
-    MFieldT(Object &newOwner, MFieldT const &other) : MFieldBaseT<Type>(newOwner, other) {}
+    MFieldT(Object &newOwner, MFieldT const &other)
+        : MFieldBaseT<Type>(newOwner, other)
+    {
+    }
 
     PtrT<Field> clone(Object &newOwner) const override { return cloneField(*this, newOwner); }
 };

@@ -5,6 +5,7 @@
 #include "zrVOMGUI/foundation/vom/MField.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace ZR::VOM {
 
@@ -18,9 +19,14 @@ bool ClassInfo::isType(std::string const &typeName) const
     return false;
 }
 
-Object::Object(unsigned initialFlags) : Flags(initialFlags) {}
+Object::Object(unsigned initialFlags)
+    : Flags(initialFlags)
+{
+}
 
-Object::Object(Object const &other) : Class(other), Flags(other)
+Object::Object(Object const &other)
+    : Class(other)
+    , Flags(other)
 {
     fields.reserve(other.fields.size());
     for (RefT<Field> const &field : other.fields)
@@ -78,33 +84,38 @@ void Object::addField(Field &field)
 
 void Object::announceLost() noexcept
 {
-    // All links leave the list before anyone hears of it: a listener may drop further links.
+    // All links leave the list before anyone hears of it: a listener may drop further links. A list
+    // that holds the object more than once hears it once.
     std::vector<RefT<Field>> losers;
+    std::unordered_set<Field const *> seen;
     while (LostWatch *const watch = lostWatches) {
-        if (losers.empty() || losers.back().get() != watch->field)
+        if (seen.insert(watch->field).second)
             losers.emplace_back(*watch->field);
         watch->leave();
     }
-    std::sort(losers.begin(), losers.end());
-    losers.erase(std::unique(losers.begin(), losers.end()), losers.end());
+    // The head of the list is the youngest link; the eldest hears it first.
+    std::reverse(losers.begin(), losers.end());
     for (RefT<Field> const &field : losers) {
         constexpr char where[] = "ZR::VOM::Object::sigLost";
-        if (field->getType() == 5) {
-            SigVoidData data;
-            static_cast<FieldPtr &>(*field).sigLost.emitCatching(data, where);
-        } else {
+        // A field that no reference owns may be gone by now.
+        if (!field)
+            continue;
+        if (auto *const list = cast<MFieldBaseT<MFieldPtr::Traits>>(field)) {
             MFieldPtr::SigLostData data;
-            static_cast<MFieldPtr &>(*field).sigLost.emitCatching(data, where);
+            list->sigLost.emitCatching(data, where);
+        } else if (auto *const single = cast<FieldBaseT<FieldPtr::Traits>>(field)) {
+            SigVoidData data;
+            single->sigLost.emitCatching(data, where);
         }
     }
 }
 
 bool removeField(Object &object, Field &field)
 {
-    const RefT<Field> removed(field);
-    const auto isRemoved = [&](RefT<Field> const &f) { return f == removed; };
-    if (std::none_of(object.fields.begin(), object.fields.end(), isRemoved))
+    const auto isField = [&](RefT<Field> const &f) { return f.get() == &field; };
+    if (std::none_of(object.fields.begin(), object.fields.end(), isField))
         return false;
+    const RefT<Field> removed(field);
     const PtrT<Object> watched(object);
     SigRemoveFieldData data;
     data.field = &removed;
@@ -112,7 +123,7 @@ bool removeField(Object &object, Field &field)
     // A listener may have removed the field, or the object.
     if (!watched)
         return true;
-    const auto place = std::find_if(object.fields.begin(), object.fields.end(), isRemoved);
+    const auto place = std::find_if(object.fields.begin(), object.fields.end(), isField);
     if (place != object.fields.end()) {
         field.owner = nullptr;
         object.fields.erase(place);

@@ -34,8 +34,8 @@ struct SigRemoveFieldData : SigVoidData {
 /// Base class of every model object: an ordered list of named fields.
 ///
 /// Derive from it, give the class a ClassInfo whose `base` is this one's, and override
-/// getClassInfo() and clone(). Fields belong to their object; names should be unique in it, and where
-/// they aren't, the first one is found.
+/// getClassInfo() and clone(). Fields belong to their object; names should be unique in it, and
+/// where they aren't, the first one is found.
 class ZRVOM_EXPORT Object : public Class, public Flags {
 public:
     explicit Object(unsigned initialFlags = 0);
@@ -53,8 +53,8 @@ public:
     static ClassInfo const classInfo;
 
     std::size_t getNumFields() const { return fields.size(); }
-    /// \pre index is below getNumFields().
-    RefT<Field> const &getField(std::size_t index) const { return fields[index]; }
+    /// Raises std::out_of_range for an index not below getNumFields().
+    RefT<Field> const &getField(std::size_t index) const { return fields.at(index); }
     /// The first field of that name; null when absent.
     PtrT<Field> findField(std::string const &name) const;
 
@@ -77,8 +77,9 @@ private:
     LostWatch *lostWatches = nullptr; // Head of a list of the links that must hear of the death.
 };
 
-/// Takes `field` out of `object` and emits sigRemoveField before. False, and nothing happens, when it
-/// isn't one of the object's fields.
+/// Takes `field` out of `object` and emits sigRemoveField before. False, and nothing happens, when
+/// it isn't one of the object's fields. An exception from a listener passes on, and the field
+/// stays.
 ZRVOM_EXPORT bool removeField(Object &object, Field &field);
 
 } // namespace ZR::VOM

@@ -25,63 +25,59 @@ PtrT<Object> linkedObject(Field &field, std::size_t index)
 
 } // namespace
 
-Path::Path(PtrT<Object> const &rootObject) : root(rootObject) {}
-
-Path::Path(Object const &rootObject) : root(const_cast<Object &>(rootObject)) {}
-
-void Path::pushField(Field &field)
+Path::Path(PtrT<VOM::Object> const &rootObject)
+    : root(rootObject)
 {
-    push(field, 0, false);
 }
 
-void Path::pushValue(Field &field)
+Path::Path(VOM::Object const &rootObject)
+    : root(const_cast<VOM::Object &>(rootObject))
 {
-    push(field, 0, true);
+}
+
+void Path::pushField(VOM::Field &field)
+{
+    push(field, 0, Field);
+}
+
+void Path::pushValue(VOM::Field &field)
+{
+    push(field, 0, Value);
 }
 
 void Path::pushValue(MField &field, std::size_t index)
 {
-    push(field, index, true);
+    push(field, index, Value);
 }
 
-void Path::push(Field &field, std::size_t index, bool isValue)
+void Path::push(VOM::Field &field, std::size_t index, Type newType)
 {
-    // A value goes on from its field, if the path ends there.
-    if (!endsAtField || getLast().field.get() != &field)
+    const bool goesOnFromField = type == Field && getLast().field.get() == &field;
+    if (!goesOnFromField)
         entries.emplace_back();
-    entries.back() = {PtrT<Field>(field), index};
-    endsAtField = !isValue;
+    entries.back() = {PtrT<VOM::Field>(field), index};
+    type = newType;
 }
 
 void Path::pop()
 {
     if (!entries.empty())
         entries.pop_back();
-    endsAtField = false;
+    type = Object;
 }
 
 void Path::clear()
 {
     entries.clear();
-    endsAtField = false;
-}
-
-Path::Type Path::getType() const
-{
-    if (endsAtField)
-        return Type::Field;
-    if (entries.empty())
-        return Type::Object;
-    PtrT<Field> const &field = getLast().field;
-    return field && isLinkType(field->getType()) ? Type::Object : Type::Value;
+    type = Object;
 }
 
 PtrT<Object> Path::getObj() const
 {
     if (entries.empty())
         return root;
-    PtrT<Field> const &field = getLast().field;
-    if (endsAtField || !field)
+    PtrT<VOM::Field> const &field = getLast().field;
+    if (type == Field || !field)
         return {};
     return linkedObject(*field, getLast().index);
 }

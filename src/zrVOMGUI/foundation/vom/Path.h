@@ -10,51 +10,63 @@ namespace ZR::VOM {
 
 /// A chain that starts at a root object and descends through fields and values.
 ///
-/// Owns nothing: a step whose field died, or a root that did, reads null.
+///     Path path(root);           // Object: root
+///     path.pushField(list);      // Field:  root / list
+///     path.pushValue(list, 2);   // Value:  root / list[2]
+///     path.pushField(name);      // Field:  root / list[2] / name
+///     path.pop();                // Object: root / list[2], from which the step descended
+///
+/// Owns nothing: a step whose field died, or a root that did, reads null. A copy is independent.
 class ZRVOM_EXPORT Path {
 public:
-    enum class Type {
-        Object = 0, ///< Ends at an object: its last step is a value that leads to one, or it has none.
+    // Object and Field mean these values inside this class; the classes are VOM::Object and
+    // VOM::Field.
+    enum Type {
+        Object = 0, ///< Ends at an object: it has no step, or its last step is a value that led on.
         Field = 1,  ///< Ends at a field.
         Value = 2,  ///< Ends at one value of its last field.
     };
 
     struct Entry {
-        PtrT<Field> field;
+        PtrT<VOM::Field> field;
         std::size_t index = 0; ///< Position in a list field; 0 for a single value.
     };
 
-    explicit Path(PtrT<Object> const &rootObject);
-    explicit Path(Object const &rootObject);
+    explicit Path(PtrT<VOM::Object> const &rootObject);
+    explicit Path(VOM::Object const &rootObject);
 
     /// Descends into a field.
-    void pushField(Field &field);
-    /// Descends to the single value of a field.
-    void pushValue(Field &field);
-    /// Descends to one value of a list.
+    void pushField(VOM::Field &field);
+    /// Descends to the single value of a field. A path that ends at this very field ends at its
+    /// value then, without a further step.
+    void pushValue(VOM::Field &field);
+    /// Descends to one value of a list, likewise.
     void pushValue(MField &field, std::size_t index);
-    /// Drops the last step; does nothing without one.
+    /// Drops the last step; does nothing without one. The path ends then at the object from which
+    /// that step descended.
     void pop();
     /// Drops all steps; the root stays.
     void clear();
 
     /// Number of steps. A field and a value of it are one step.
     std::size_t getNum() const { return entries.size(); }
-    /// \pre index is below getNum().
-    Entry const &get(std::size_t index) const { return entries[index]; }
-    /// \pre getNum() isn't 0.
-    Entry const &getLast() const { return entries.back(); }
-    Type getType() const;
-    PtrT<Object> const &getRoot() const { return root; }
-    /// The object that the path leads to; null when it leads to none.
-    PtrT<Object> getObj() const;
+    /// Raises std::out_of_range for an index not below getNum().
+    Entry const &get(std::size_t index) const { return entries.at(index); }
+    /// Raises std::out_of_range when there is no step.
+    Entry const &getLast() const { return entries.at(entries.size() - 1); }
+    Type getType() const { return type; }
+    PtrT<VOM::Object> const &getRoot() const { return root; }
+    /// The object that the path leads to: the root if there is no step, else what the last step's
+    /// value links to at this time. Null when it leads to none: it ends at a field or at a plain
+    /// value, the link is null, or the position has left the list.
+    PtrT<VOM::Object> getObj() const;
 
 private:
-    void push(Field &field, std::size_t index, bool isValue);
+    void push(VOM::Field &field, std::size_t index, Type newType);
 
-    PtrT<Object> root;
+    PtrT<VOM::Object> root;
     std::vector<Entry> entries;
-    bool endsAtField = false;
+    Type type = Object;
 };
 
 } // namespace ZR::VOM

@@ -6,24 +6,31 @@
 
 namespace ZR::VOM {
 
+/// Calls `visitor` with `field` if that is a FieldType, and answers whether it is.
+template <class FieldType, class Visitor>
+bool visitFieldAs(Field &field, Visitor &&visitor)
+{
+    auto *const found = dynamic_cast<FieldType *>(&field);
+    if (found)
+        visitor(*found);
+    return found != nullptr;
+}
+
 /// Calls `visitor` with `field` as what its type code says: a FieldPtr &, a FieldRef &, an
-/// MFieldPtr & or an MFieldRef &. Answers false, and calls nothing, for a field that holds no links.
+/// MFieldPtr & or an MFieldRef &. Answers false, and calls nothing, for a field that holds no
+/// links, and for one that isn't what its type code says.
 template <class Visitor>
 bool visitLinkField(Field &field, Visitor &&visitor)
 {
     switch (field.getType()) {
     case 5:
-        visitor(static_cast<FieldPtr &>(field));
-        return true;
+        return visitFieldAs<FieldPtr>(field, visitor);
     case 6:
-        visitor(static_cast<FieldRef &>(field));
-        return true;
+        return visitFieldAs<FieldRef>(field, visitor);
     case 11:
-        visitor(static_cast<MFieldPtr &>(field));
-        return true;
+        return visitFieldAs<MFieldPtr>(field, visitor);
     case 12:
-        visitor(static_cast<MFieldRef &>(field));
-        return true;
+        return visitFieldAs<MFieldRef>(field, visitor);
     default:
         return false;
     }
