@@ -34,7 +34,7 @@ template <class... Args>
 std::enable_if_t<!(std::is_convertible_v<Args const &, char const *const *> || ...), std::string>
 _compose(char const *format, Args const &...args)
 {
-    const auto toText = [](auto const &value) {
+    [[maybe_unused]] const auto toText = [](auto const &value) {
         std::ostringstream stream;
         stream.imbue(std::locale::classic());
         stream << value;
