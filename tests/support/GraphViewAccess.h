@@ -14,6 +14,14 @@ struct GraphViewAccess {
 
     static Node *node(ObjectGraphView &view, Ptr const &obj) { return view.findNode(obj); }
     static std::size_t numNodes(ObjectGraphView const &view) { return view.nodes.size(); }
+    /// All nodes with an object, in the order of the objects' addresses.
+    static std::vector<RefT<Node>> nodes(ObjectGraphView const &view)
+    {
+        std::vector<RefT<Node>> all;
+        for (auto const &[obj, slot] : view.nodes)
+            all.push_back(slot.node);
+        return all;
+    }
 
     static bool &boundsStale(ObjectGraphView &view) { return view.boundsStale; }
     static bool &refreshPending(ObjectGraphView &view) { return view.refreshPending; }
@@ -40,6 +48,7 @@ struct GraphViewAccess {
         return view.split(from, to, count);
     }
     static void unsplit(ObjectGraphView &view, Node &from, Node &to) { view.unsplit(from, to); }
+    static void layout(ObjectGraphView &view, RefT<Node> const &anchor) { view.layout(anchor); }
     static void updateSize(ObjectGraphView &view, Node &node) { view.updateSize(node); }
     static void updateLinks(ObjectGraphView &view) { view.updateLinks(); }
     static bool getVisibleBound(ObjectGraphView &view, std::vector<RefT<Node>> const &nodes, int &left,

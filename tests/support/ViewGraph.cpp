@@ -1,0 +1,76 @@
+#include "support/ViewGraph.h"
+
+#include <QtTest>
+
+#include <algorithm>
+
+namespace ZR::VOM::GUI {
+
+ViewGraph::ViewGraph(unsigned numNodes, std::vector<NumberedGraph::Link> const &links)
+    : model(numNodes)
+{
+    model.addTo(view);
+    std::sort(model.objs.begin(), model.objs.end(),
+              [this](RefT<VOM::Object> const &a, RefT<VOM::Object> const &b) {
+                  return std::less<Node *>()(GraphViewAccess::node(view, a),
+                                             GraphViewAccess::node(view, b));
+              });
+    for (RefT<VOM::Object> const &obj : model.objs)
+        nodes.emplace_back(GraphViewAccess::node(view, obj));
+    fill(links);
+}
+
+ViewGraph::ViewGraph(NumberedGraph const &graph)
+    : ViewGraph(graph.numNodes, graph.links)
+{
+}
+
+void ViewGraph::fill(std::vector<NumberedGraph::Link> const &links)
+{
+    model.fill({numNodes(), links});
+}
+
+void ViewGraph::showWithoutLayout()
+{
+    for (PtrT<Node> const &node : nodes)
+        node->visible = true;
+}
+
+std::vector<RefT<Graph::Node>> ViewGraph::chain(unsigned from, unsigned to) const
+{
+    std::vector<RefT<Node>> chain;
+    const auto link = node(from).linkedOut.find(nodes[to]);
+    if (link != node(from).linkedOut.end())
+        Graph::forEachIntermediate(link->second,
+                                   [&](Node &station) { chain.emplace_back(station); });
+    return chain;
+}
+
+unsigned ViewGraph::count(unsigned from, unsigned to) const
+{
+    const auto out = node(from).linkedOut.find(nodes[to]);
+    const auto in = node(to).linkedIn.find(nodes[from]);
+    const unsigned outCount = out == node(from).linkedOut.end() ? 0 : out->second.count;
+    const unsigned inCount = in == node(to).linkedIn.end() ? 0 : in->second.count;
+    if (outCount != inCount)
+        QTest::qFail("the two ends of a link have different counts", __FILE__, __LINE__);
+    return outCount;
+}
+
+std::string ViewGraph::links() const
+{
+    std::string text;
+    for (unsigned from = 0; from < numNodes(); ++from) {
+        for (unsigned to = 0; to < numNodes(); ++to) {
+            const unsigned num = count(from, to);
+            if (num == 0)
+                continue;
+            text += (text.empty() ? "" : " ") + std::to_string(from) + '>' + std::to_string(to);
+            if (num > 1)
+                text += 'x' + std::to_string(num);
+        }
+    }
+    return text;
+}
+
+} // namespace ZR::VOM::GUI
