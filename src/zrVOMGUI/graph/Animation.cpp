@@ -44,7 +44,8 @@ void arrive(Graph::Node &node)
 
 double ObjectGraphView::animPeriod() const
 {
-    return std::clamp(animDuration.get(), 0.0, maxPeriod);
+    const double duration = animDuration.get();
+    return duration > 0.0 ? std::min(duration, maxPeriod) : 0.0;
 }
 
 void ObjectGraphView::startAnimation()

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 
 namespace ZR::VOM::GUI {
 
@@ -56,12 +57,12 @@ void ObjectGraphView::layout(RefT<Node> const &anchor)
 {
     const std::vector<RefT<Node>> anchors = findAnchors(anchor);
     const Mean before = meanPosition(anchors);
-    std::set<RefT<Node>> visibleNodes = beginLayout();
+    const std::vector<Node *> visibleNodes = beginLayout();
     layoutFigures = {};
     layoutFigures.nodes = static_cast<unsigned>(visibleNodes.size());
     if (visibleNodes.empty())
         return;
-    layoutComponents(std::move(visibleNodes));
+    layoutComponents(visibleNodes);
     const Mean after = meanPosition(anchors);
     commitLayout(before.x - after.x, before.y - after.y);
     startAnimation();
@@ -77,17 +78,17 @@ std::vector<RefT<Graph::Node>> ObjectGraphView::findAnchors(RefT<Node> const &an
     std::vector<RefT<Node>> anchors;
     for (auto const &[obj, slot] : nodes) {
         Node const &node = *slot.node;
-        if (node.visible && node.x >= left && node.x - left < width() && node.y >= top
-            && node.y - top < height())
+        if (node.visible && node.x >= left && node.x - left < width() && node.y >= top &&
+            node.y - top < height())
             anchors.push_back(slot.node);
     }
     return anchors;
 }
 
 /// Stores where each visible node stands, makes its links direct, and returns these nodes.
-std::set<RefT<Graph::Node>> ObjectGraphView::beginLayout()
+std::vector<Graph::Node *> ObjectGraphView::beginLayout()
 {
-    std::set<RefT<Node>> visibleNodes;
+    std::vector<Node *> visibleNodes;
     for (auto const &[obj, slot] : nodes) {
         Node &node = *slot.node;
         if (!node.visible)
@@ -95,26 +96,29 @@ std::set<RefT<Graph::Node>> ObjectGraphView::beginLayout()
         node.fromX = node.x;
         node.fromY = node.y;
         Graph::unsplitNode(node);
-        visibleNodes.insert(slot.node);
+        visibleNodes.push_back(&node);
     }
     return visibleNodes;
 }
 
 /// Lays each component out and puts them side by side on one row, their tops at y 0.
-void ObjectGraphView::layoutComponents(std::set<RefT<Node>> visibleNodes)
+void ObjectGraphView::layoutComponents(std::vector<Node *> visibleNodes)
 {
+    // Components stand in address order of their nodes, while the view's nodes are in that of
+    // objects.
+    std::sort(visibleNodes.begin(), visibleNodes.end(), std::less<Node *>());
     const Graph::Geometry geometry{xSpacing, ySpacing, [this](Node &node) { updateSize(node); }};
-    const std::set<RefT<Node>> representatives = Graph::findIsolatedVisibleGraphs(visibleNodes);
+    std::vector<std::vector<Node *>> components = Graph::findComponents(visibleNodes);
     int cursor = 0;
     bool linksTurned = false;
-    for (RefT<Node> const &representative : representatives) {
-        Hierarchy hierarchy(geometry, layoutFigures);
-        const Hierarchy::NodeSet component = hierarchy.assignRanks(representative);
-        hierarchy.orderLayers(component);
-        const Graph::Bounds bound = hierarchy.assignCoordinates(component);
+    for (std::vector<Node *> &component : components) {
+        Hierarchy hierarchy(geometry, layoutFigures, std::move(component));
+        hierarchy.assignRanks();
+        hierarchy.orderLayers();
+        const Graph::Bounds bound = hierarchy.assignCoordinates();
         const int dx = cursor - bound.left + xSpacing;
         const int dy = -bound.top;
-        for (RefT<Node> const &node : component) {
+        for (Node *node : hierarchy.getNodes()) {
             node->x += dx;
             node->y += dy;
         }
@@ -122,7 +126,7 @@ void ObjectGraphView::layoutComponents(std::set<RefT<Node>> visibleNodes)
         linksTurned |= hierarchy.revertLinks();
         layoutFigures.height = std::max(layoutFigures.height, bound.bottom - bound.top);
     }
-    layoutFigures.components = static_cast<unsigned>(representatives.size());
+    layoutFigures.components = static_cast<unsigned>(components.size());
     layoutFigures.width = cursor;
     if (linksTurned)
         refresh(true);
@@ -162,8 +166,8 @@ void ObjectGraphView::move(RefT<Node> const &node, int x, int y)
         startAnimation();
 }
 
-/// Measures a node: its size, and the offsets that painting and hit tests use. Text is measured only
-/// when it changed.
+/// Measures a node: its size, and the offsets that painting and hit tests use. Text is measured
+/// only when it changed.
 void ObjectGraphView::updateSize(Node &node)
 {
     if (node.isIntermediate()) {

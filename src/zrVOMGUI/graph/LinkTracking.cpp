@@ -32,7 +32,7 @@ void disconnectBoth(Graph::FieldConns &conns)
     conns.lostConn.disconnect();
 }
 
-void disconnectAll(std::map<PtrT<Field>, Graph::FieldConns> &fields)
+void disconnectAll(Graph::WatchedFields &fields)
 {
     for (auto &[field, conns] : fields)
         disconnectBoth(conns);
@@ -112,11 +112,12 @@ void ObjectGraphView::removeLinkField(Direction direction, std::string const &cl
         map.erase(entry);
     for (auto const &[obj, slot] : nodes) {
         std::vector<PtrT<Field>> fields;
-        for (auto const &[field, conns] : watchedFields(*slot.node, direction))
-            fields.push_back(field);
-        // Another rule may still cover a field.
+        for (auto const &[address, conns] : watchedFields(*slot.node, direction))
+            fields.push_back(conns.field);
+        // Another rule may still cover a field, and a field that was taken from its object by a
+        // listener of its removal may be gone.
         for (PtrT<Field> const &field : fields)
-            if (!isLinkField(map, field))
+            if (field && !isLinkField(map, field))
                 removeWatchedField(direction, *slot.node, *field);
     }
 }
@@ -160,9 +161,13 @@ void ObjectGraphView::unlinkAlong(Direction direction, Node &node, Ptr const &ob
 }
 
 /// Links what a field of the node's object holds, and watches it. Passes over fields that hold no
-/// links.
+/// links, and over one that another rule covers already: its references count once.
 void ObjectGraphView::connectField(Direction direction, Node &node, Field &field)
 {
+    auto const &fields = watchedFields(node, direction);
+    const auto watched = fields.find(&field);
+    if (watched != fields.end() && watched->second.field)
+        return;
     visitLinkField(field, [&](auto &linkField) {
         const RefreshPause pause(*this);
         forEachLink(linkField,
@@ -174,8 +179,8 @@ void ObjectGraphView::connectField(Direction direction, Node &node, Field &field
 template <class LinkField>
 void ObjectGraphView::watchField(Direction direction, Node &node, LinkField &field)
 {
-    Graph::FieldConns &conns = watchedFields(node, direction)[PtrT<Field>(field)];
-    disconnectBoth(conns);
+    Graph::FieldConns &conns = watchedFields(node, direction)[&field];
+    conns.field = field;
     if constexpr (std::is_base_of_v<MField, LinkField>) {
         conns.setConn = field.sigReplace.connect(
             [this, direction, &node](typename LinkField::SigReplaceData const &sigData) {
@@ -202,7 +207,7 @@ void ObjectGraphView::watchField(Direction direction, Node &node, LinkField &fie
 void ObjectGraphView::removeWatchedField(Direction direction, Node &node, Field &field)
 {
     auto &fields = watchedFields(node, direction);
-    const auto watched = fields.find(PtrT<Field>(field));
+    const auto watched = fields.find(&field);
     if (watched == fields.end())
         return;
     disconnectBoth(watched->second);

@@ -18,12 +18,20 @@ Node::Node(ObjectGraphView &owner, RefT<Object> const &object)
 
 Node::~Node()
 {
-    if (watch) {
-        watch->addFieldConn.disconnect();
-        watch->removeFieldConn.disconnect();
-        watch->nameFieldConn.disconnect();
-    }
+    if (watch || !linkedIn.empty() || !linkedOut.empty())
+        leaveGraph();
+}
+
+void Node::leaveGraph()
+{
     view->dropLinks(*this);
+    visible = false;
+    if (!watch)
+        return;
+    watch->addFieldConn.disconnect();
+    watch->removeFieldConn.disconnect();
+    watch->nameFieldConn.disconnect();
+    watch.reset();
 }
 
 Bounds boundsOf(Node const &node)

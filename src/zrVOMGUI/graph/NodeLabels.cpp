@@ -6,6 +6,19 @@
 
 namespace ZR::VOM::GUI {
 
+namespace {
+
+QString labelText(std::string const &label)
+{
+    constexpr int maxLength = 1 << 16;
+    QString text = QString::fromStdString(label);
+    if (text.size() > maxLength)
+        text.truncate(text.at(maxLength - 1).isHighSurrogate() ? maxLength - 1 : maxLength);
+    return text;
+}
+
+} // namespace
+
 void ObjectGraphView::setObjIconDB(RefT<ObjectIconDB> const &db)
 {
     objIconDBConn.disconnect();
@@ -53,8 +66,9 @@ void ObjectGraphView::updateIcon(Node &node)
 {
     if (!node.watch || !objIconDB)
         return;
+    const RefT<ObjectIconDB> db = objIconDB; // It may have itself replaced while it is asked.
     tryCatch("ZR::VOM::GUI::ObjectGraphView::updateIcon",
-             [&] { node.watch->icon = objIconDB->find(node.obj); });
+             [&] { node.watch->icon = db->find(node.obj); });
 }
 
 /// `leaving` is a field that is about to go, and no longer gives a label.
@@ -81,7 +95,7 @@ void ObjectGraphView::updateLabel(Node &node, Field const *leaving)
                         refresh(false);
                     });
         }
-        watch.label = QString::fromStdString(label);
+        watch.label = labelText(label);
     }
     node.sizeDirty = true;
     if (node.visible)

@@ -106,6 +106,7 @@ std::vector<RefT<Node>> splitLink(Node &from, Node &to, unsigned count)
     const LinkEnds ends = findLink(from, to);
     if (!ends.exists)
         return chain;
+    unsplitLink(from, to);
     chain.reserve(count);
     for (unsigned i = 1; i <= count; ++i) {
         chain.emplace_back(new Node(*from.view, {}));

@@ -6,6 +6,7 @@
 #include <QScrollBar>
 #include <QStyle>
 
+#include <algorithm>
 #include <utility>
 
 namespace ZR::VOM::GUI {
@@ -41,7 +42,8 @@ ObjectGraphView::~ObjectGraphView()
     setMouseTracking(false);
     objIconDBConn.disconnect();
     refreshEnabled = false;
-    nodes.clear();
+    while (!nodes.empty())
+        eraseSlot(nodes.begin());
 }
 
 ObjectGraphView::AddedNodes ObjectGraphView::add(std::vector<RefT<Object>> const &objs, bool report)
@@ -56,25 +58,35 @@ ObjectGraphView::AddedNodes ObjectGraphView::add(std::size_t n, RefT<Object> con
     bool created = false;
     for (std::size_t i = 0; i < n; ++i) {
         RefT<Object> const &obj = objs[i];
-        if (!obj)
+        // A dying object may have told already, and the node would stay for ever.
+        if (!obj || obj->isBeingDeleted())
             continue;
-        const auto [slot, inserted] = nodes.try_emplace(obj);
-        if (inserted) {
-            slot->second.sigDeleteConn = obj->sigDelete.connect(
-                *this, &ObjectGraphView::onPtrClassSigDelete, PtrT<Class>(obj));
-            slot->second.node = new Node(*this, obj);
+        RefT<Node> node = findNode(obj);
+        if (!node) {
+            node = insertNode(obj);
             created = true;
         }
-        if (report) {
-            RefT<Node> const &node = slot->second.node;
+        if (report)
             (node->visible ? added.visible : added.hidden).insert(node);
-        }
     }
     if (created)
         updateLinks();
     if (report)
         refresh(true);
     return added;
+}
+
+RefT<Graph::Node> ObjectGraphView::insertNode(RefT<Object> const &obj)
+{
+    // Made before its slot: what a model's class throws leaves no slot without a node.
+    const RefT<Node> node(new Node(*this, obj));
+    const auto [slot, inserted] = nodes.try_emplace(obj);
+    if (inserted) {
+        slot->second.sigDeleteConn = obj->sigDelete.connect(
+            *this, &ObjectGraphView::onPtrClassSigDelete, PtrT<Class>(obj));
+        slot->second.node = node;
+    }
+    return slot->second.node;
 }
 
 void ObjectGraphView::remove(std::vector<RefT<Object>> const &objs)
@@ -204,6 +216,8 @@ bool ObjectGraphView::setPos(PtrT<Object> const &obj, int x, int y, bool animate
     const RefT<Node> node = findNode(obj);
     if (!node)
         return false;
+    x = std::clamp(x, -maxPos, maxPos);
+    y = std::clamp(y, -maxPos, maxPos);
     if (animated)
         move(node, x, y);
     else
@@ -221,7 +235,9 @@ void ObjectGraphView::eraseSlot(Nodes::iterator slot)
 {
     slot->second.sigDeleteConn.disconnect();
     // Out of the map first: the node's end reaches its neighbours.
-    const auto erased = nodes.extract(slot);
+    const RefT<Node> node = std::move(slot->second.node);
+    nodes.erase(slot);
+    node->leaveGraph();
 }
 
 bool ObjectGraphView::setRefresh(bool on)

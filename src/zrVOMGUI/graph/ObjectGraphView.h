@@ -119,13 +119,16 @@ public:
     /// Lays all visible nodes out, with those that the user can see held in place on average. Every
     /// node starts to move to its new place; see animDuration.
     void layout();
+    /// The farthest that setPos() places a node from the origin, on either side of it: what is
+    /// worked out from positions then stays an int.
+    static constexpr int maxPos = 1 << 28;
     /// What the last layout made. All zero before the first.
     LayoutFigures const &getLayoutFigures() const { return layoutFigures; }
 
     /// The current centre of the object's node, also of a hidden one. False when it has none.
     bool getPos(PtrT<Object> const &obj, int &x, int &y) const;
     /// Moves the node of an object, at once or by animation, until the next layout. False when it
-    /// has none. Asks for no repaint by itself.
+    /// has none. Asks for no repaint by itself. Takes coordinates beyond maxPos as maxPos.
     bool setPos(PtrT<Object> const &obj, int x, int y, bool animated);
 
     /// @}
@@ -158,6 +161,7 @@ public:
     /// @}
 
     /// \name Labels and icons
+    /// A label is cut after 65,536 characters, so that painting stays quick.
     /// @{
 
     /// Where nodes get their icons; empty by default. Nodes that exist keep the icon they have.
@@ -193,7 +197,8 @@ public:
     SignalT<SigPopupMenuData> sigPopupMenu;
     SignalT<SigNodeData> sigInsertNode; ///< Nodes became visible.
     SignalT<SigNodeData> sigRemoveNode; ///< Nodes stopped being visible.
-    /// A node's icon was painted; a listener may paint over it.
+    /// A node's icon was painted; a listener may paint over it, and change what it likes of the
+    /// painter's state. It may also change the view, but must not destroy it.
     SignalT<SigPaintNodeIconData> sigPaintNodeIcon;
 
 protected:
@@ -214,7 +219,8 @@ protected:
 
     /// Calls onPaintNodeIcon(), then emits sigPaintNodeIcon.
     void paintNodeIcon(PtrT<Object> const &obj, QPainter &painter, int x, int y, int w, int h);
-    /// Called after a node's icon was painted, also when there is none. Does nothing by default.
+    /// Called after a node's icon was painted, also when there is none. Does nothing by default. May
+    /// do what a listener of sigPaintNodeIcon may.
     virtual void onPaintNodeIcon(PtrT<Object> const &obj, QPainter &painter, int x, int y, int w,
                                  int h);
 
@@ -246,6 +252,7 @@ private:
         const bool wasEnabled;
     };
 
+    RefT<Node> insertNode(RefT<Object> const &obj);
     Node *findNode(Ptr const &obj) const;
     Node *findVisibleNode(Ptr const &obj) const;
     std::vector<RefT<Object>> collectObjs(bool (*wanted)(Node const &)) const;
@@ -290,8 +297,8 @@ private:
     // Layout.
     void layout(RefT<Node> const &anchor);
     std::vector<RefT<Node>> findAnchors(RefT<Node> const &anchor) const;
-    std::set<RefT<Node>> beginLayout();
-    void layoutComponents(std::set<RefT<Node>> visibleNodes);
+    std::vector<Node *> beginLayout();
+    void layoutComponents(std::vector<Node *> visibleNodes);
     void commitLayout(int dx, int dy);
     void startAnimation();
     void place(RefT<Node> const &node, int x, int y);

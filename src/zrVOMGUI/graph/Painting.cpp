@@ -62,9 +62,14 @@ void ObjectGraphView::paintEvent(QPaintEvent *)
         height()};
     paintBackground(context);
     paintLinks(context);
+    // A listener that paints over an icon may change the view: nodes come and go under way.
+    std::vector<RefT<Node>> shown;
     for (auto const &[obj, slot] : nodes)
         if (slot.node->visible)
-            paintNode(context, *slot.node);
+            shown.push_back(slot.node);
+    for (RefT<Node> const &node : shown)
+        if (node->visible)
+            paintNode(context, *node);
 }
 
 void ObjectGraphView::measureVisibleNodes()
@@ -173,7 +178,11 @@ void ObjectGraphView::paintNode(PaintContext const &context, Node &node)
         if (!node.watch->icon.isNull())
             node.watch->icon.paint(&painter, icon.x(), icon.y(), iconSize, iconSize,
                                    Qt::AlignCenter, QIcon::Normal, QIcon::Off);
+        painter.save();
         paintNodeIcon(node.obj, painter, icon.x(), icon.y(), iconSize, iconSize);
+        painter.restore();
+        if (!node.watch)
+            return;
     }
     const QPoint text = centre + QPoint(node.textX, node.textY);
     if (!context.isOffScreen(text.x(), text.y(), node.textWidth, node.textHeight))

@@ -105,7 +105,7 @@ void ObjectGraphView::showSel()
     Bounds shown = grownBox(first);
     std::size_t stop = first;
     if (first != selCursor) {
-        for (stop = (first + 1) % num; stop != selCursor; stop = (stop + 1) % num) {
+        for (; stop != selCursor; stop = (stop + 1) % num) {
             const Bounds with = unite(shown, grownBox(stop));
             if (!view.canHold(with))
                 break;

@@ -1,43 +1,47 @@
 #include "zrVOMGUI/graph/layout/Components.h"
 
-#include <vector>
+#include <limits>
 
 namespace ZR::VOM::GUI::Graph {
 
 namespace {
 
-/// Walks from `start` along links in either direction, to each node that `enter` admits.
-template <class Enter>
-void walkLinks(RefT<Node> const &start, Enter const &enter)
+constexpr unsigned unknown = std::numeric_limits<unsigned>::max();
+
+/// Stores the component's number in every node that can be reached along links in either direction.
+void numberComponent(Node &start, unsigned number)
 {
-    std::vector<RefT<Node>> open{start};
+    std::vector<Node *> open{&start};
+    start.index = number;
     while (!open.empty()) {
-        const RefT<Node> node = std::move(open.back());
+        Node const &node = *open.back();
         open.pop_back();
-        for (LinkMap const *links : {&node->linkedOut, &node->linkedIn})
-            for (auto const &[far, entry] : *links)
-                if (enter(far))
-                    open.emplace_back(far);
+        for (LinkMap const *links : {&node.linkedOut, &node.linkedIn}) {
+            for (auto const &[far, entry] : *links) {
+                if (far->visible && far->index == unknown) {
+                    far->index = number;
+                    open.push_back(far.get());
+                }
+            }
+        }
     }
 }
 
 } // namespace
 
-std::set<RefT<Node>> findIsolatedVisibleGraphs(std::set<RefT<Node>> &nodes)
+std::vector<std::vector<Node *>> findComponents(std::vector<Node *> const &visibleNodes)
 {
-    std::set<RefT<Node>> representatives;
-    while (!nodes.empty()) {
-        const RefT<Node> first = *nodes.begin();
-        representatives.insert(representatives.end(), first);
-        nodes.erase(nodes.begin());
-        walkLinks(first, [&](PtrT<Node> const &far) { return nodes.erase(far) != 0; });
+    for (Node *node : visibleNodes)
+        node->index = unknown;
+    std::vector<std::vector<Node *>> components;
+    for (Node *node : visibleNodes) {
+        if (node->index == unknown) {
+            numberComponent(*node, static_cast<unsigned>(components.size()));
+            components.emplace_back();
+        }
+        components[node->index].push_back(node);
     }
-    return representatives;
-}
-
-void findIsolatedVisibleGraph(RefT<Node> const &node, std::set<RefT<Node>> &found)
-{
-    walkLinks(node, [&](PtrT<Node> const &far) { return far->visible && found.insert(far).second; });
+    return components;
 }
 
 } // namespace ZR::VOM::GUI::Graph

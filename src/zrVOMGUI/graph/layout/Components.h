@@ -2,16 +2,15 @@
 
 #include "zrVOMGUI/graph/private/Node.h"
 
-#include <set>
+#include <vector>
 
 namespace ZR::VOM::GUI::Graph {
 
-/// One representative for each connected component of `nodes`: its member of lowest address, in
-/// address order. Empties the set. Links to nodes outside the set don't count.
-std::set<RefT<Node>> findIsolatedVisibleGraphs(std::set<RefT<Node>> &nodes);
-
-/// Adds to `found` every visible node that can be reached from `node` along links in either
-/// direction.
-void findIsolatedVisibleGraph(RefT<Node> const &node, std::set<RefT<Node>> &found);
+/// The connected components of `visibleNodes`, which are all visible nodes with an object, in
+/// address order. Hidden nodes separate components.
+///
+/// Each component's nodes are in address order, and so are the components, by their first nodes.
+/// O(n + e log d) for e links and nodes of at most d links. Nodes aren't held.
+std::vector<std::vector<Node *>> findComponents(std::vector<Node *> const &visibleNodes);
 
 } // namespace ZR::VOM::GUI::Graph

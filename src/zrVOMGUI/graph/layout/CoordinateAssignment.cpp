@@ -5,59 +5,53 @@
 #include "zrVOMGUI/graph/layout/StageTimer.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 
 namespace ZR::VOM::GUI::Graph {
 
-/// x comes from a second run of the network simplex, on the auxiliary graph of the published method;
-/// y from the layers' heights. Departs from it in that
+/// x comes from a second run of the network simplex, on the auxiliary graph of the published
+/// method; y from the layers' heights. Departs from it in that
 /// - every link edge has weight 1, with no priority for the inner segments of long links;
 /// - layers are stacked by the full height of the layer before, not by half heights.
-Bounds Hierarchy::assignCoordinates(NodeSet const &nodes)
+Bounds Hierarchy::assignCoordinates()
 {
     const StageTimer timer(figures.coordsTime);
-    solveX(nodes);
+    solveX();
     assignY();
     figures.length += horizontalLength();
     return bound();
 }
 
-/// Each link gets an auxiliary vertex with an edge to both ends, whose cost is the horizontal distance
-/// between them; neighbours in a layer get an edge of no cost that holds order and distance.
-void Hierarchy::solveX(NodeSet const &nodes)
+/// Each link gets an auxiliary vertex with an edge to both ends, whose cost is the horizontal
+/// distance between them; neighbours in a layer get an edge of no cost that holds order and
+/// distance.
+void Hierarchy::solveX()
 {
+    for (Node *node : nodes)
+        geometry.measure(*node);
     NetworkSimplex simplex;
-    std::map<RefT<Node>, unsigned> vertexOf;
-    for (RefT<Node> const &node : nodes)
-        vertexOf.emplace_hint(vertexOf.end(), node, simplex.addVertex());
-    for (auto const &[key, count] : links) {
-        if (key.first == key.second)
-            continue;
-        const unsigned auxiliary = simplex.addVertex();
-        simplex.addEdge(auxiliary, vertexOf.at(key.first), 1, 0);
-        simplex.addEdge(auxiliary, vertexOf.at(key.second), 1, 0);
+    for (std::size_t i = 0; i < nodes.size(); ++i)
+        simplex.addVertex();
+    for (Link link : links) {
+        const NetworkSimplex::VertexId auxiliary = simplex.addVertex();
+        simplex.addEdge(auxiliary, link.from, 1, 0);
+        simplex.addEdge(auxiliary, link.to, 1, 0);
     }
     for (auto const &layer : layers) {
-        Node const *previous = nullptr;
-        unsigned previousVertex = 0;
-        for (RefT<Node> const &node : layer) {
-            geometry.measure(*node);
-            const unsigned vertex = vertexOf.at(node);
-            if (previous) {
-                // KEPT: distances of 65,536 and more wrap to small ones. Only boxes wider than any
-                // screen meet it, and a solver's edge is the smaller for it.
-                const int distance = (node->width + previous->width) / 2 + geometry.xSpacing;
-                simplex.addEdge(previousVertex, vertex, 0, static_cast<std::uint16_t>(distance));
-            }
-            previous = node.get();
-            previousVertex = vertex;
+        for (std::size_t i = 1; i < layer.size(); ++i) {
+            // KEPT: distances of 65,536 and more wrap to small ones. Only boxes wider than any
+            // screen meet it, and a solver's edge is the smaller for it.
+            const int widths = nodes[layer[i]]->width + nodes[layer[i - 1]]->width;
+            simplex.addEdge(layer[i - 1], layer[i], 0,
+                            static_cast<std::uint16_t>(widths / 2 + geometry.xSpacing));
         }
     }
     simplex.solve();
     const int lowest = simplex.lowestRank();
-    for (auto const &[node, vertex] : vertexOf)
-        node->x = simplex.rank(vertex) - lowest;
+    for (Node *node : nodes)
+        node->x = simplex.rank(node->index) - lowest;
 }
 
 /// All nodes of a layer share one y.
@@ -66,10 +60,9 @@ void Hierarchy::assignY()
     int y = 0;
     for (auto const &layer : layers) {
         int height = 0;
-        for (RefT<Node> const &node : layer) {
-            geometry.measure(*node);
-            height = std::max(height, node->height);
-            node->y = y;
+        for (unsigned index : layer) {
+            height = std::max(height, nodes[index]->height);
+            nodes[index]->y = y;
         }
         y += geometry.ySpacing + height;
     }
@@ -80,14 +73,12 @@ Bounds Hierarchy::bound() const
     constexpr int lowest = std::numeric_limits<int>::min();
     constexpr int highest = std::numeric_limits<int>::max();
     Bounds all{highest, highest, lowest, lowest};
-    for (auto const &layer : layers) {
-        for (RefT<Node> const &node : layer) {
-            const Bounds box = boundsOf(*node);
-            all.left = std::min(all.left, box.left);
-            all.top = std::min(all.top, box.top);
-            all.right = std::max(all.right, box.right);
-            all.bottom = std::max(all.bottom, box.bottom);
-        }
+    for (Node const *node : nodes) {
+        const Bounds bounds = boundsOf(*node);
+        all.left = std::min(all.left, bounds.left);
+        all.top = std::min(all.top, bounds.top);
+        all.right = std::max(all.right, bounds.right);
+        all.bottom = std::max(all.bottom, bounds.bottom);
     }
     return all;
 }
@@ -95,8 +86,8 @@ Bounds Hierarchy::bound() const
 double Hierarchy::horizontalLength() const
 {
     double length = 0;
-    for (auto const &[key, count] : links)
-        length += std::abs(static_cast<double>(key.first->x) - key.second->x);
+    for (Link link : links)
+        length += std::abs(static_cast<double>(nodes[link.from]->x) - nodes[link.to]->x);
     return length;
 }
 

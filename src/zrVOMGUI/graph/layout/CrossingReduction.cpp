@@ -1,17 +1,6 @@
-// Permutes each layer so that few links cross.
-//
-// The median heuristic of Gansner, Koutsofios, North and Vo (1993), with layered sweeps in alternating
-// direction, and crossings counted by the accumulator tree of Barth, Jünger and Mutzel, Simple and
-// Efficient Bilayer Cross Counting (GD 2002). Departs from the published method in that
-// - there is no adjacent-exchange (transpose) step;
-// - the median of an even number of neighbours is the plain sum of the two middle ones, with no
-//   weighting by the spread on each side;
-// - a node with no neighbour on the sweep's side doesn't keep its place, but gets key 0;
-// - restarts from a random permutation replace the search over different initial orders;
-// - each link counts once, whatever its multiplicity.
+#include "zrVOMGUI/graph/layout/CrossingReduction.h"
 
 #include "zrVOMGUI/foundation/util/text.h"
-#include "zrVOMGUI/graph/layout/Hierarchy.h"
 #include "zrVOMGUI/graph/layout/StageTimer.h"
 
 #include <algorithm>
@@ -23,35 +12,6 @@ namespace {
 
 constexpr int maxRestarts = 10;
 constexpr int maxStale = 5;
-
-/// Calls `use` with the order of each visible neighbour on one side, in map order. A self-link leads
-/// to no other layer, and is passed over.
-template <class Use>
-void forEachNeighbourOrder(Node &node, Direction side, Use &&use)
-{
-    for (auto const &link : node.links(side)) {
-        Node const &far = neighbour(link);
-        if (far.visible && &far != &node)
-            use(far.order);
-    }
-}
-
-/// Twice the median of the neighbours' orders.
-///
-/// KEPT: a node with no neighbour on the sweep's side gets key 0 and moves to the left end instead of
-/// holding its place. Layer order is part of the view's contract.
-int medianKey(Node &node, Direction side)
-{
-    std::vector<unsigned> orders;
-    forEachNeighbourOrder(node, side, [&](unsigned order) { orders.push_back(order); });
-    if (orders.empty())
-        return 0;
-    std::sort(orders.begin(), orders.end());
-    const std::size_t middle = orders.size() / 2;
-    if (orders.size() % 2 == 1)
-        return static_cast<int>(2 * orders[middle]);
-    return static_cast<int>(orders[middle - 1] + orders[middle]);
-}
 
 /// A uniform draw from 0 to num - 1, of 15 random bits at a time.
 unsigned drawUniform(unsigned num)
@@ -70,51 +30,52 @@ unsigned drawUniform(unsigned num)
     }
 }
 
-void shuffle(std::vector<RefT<Node>> &layer)
-{
-    for (std::size_t i = 1; i < layer.size(); ++i)
-        std::swap(layer[i], layer[drawUniform(static_cast<unsigned>(i + 1))]);
-}
-
-void numberOrders(std::vector<RefT<Node>> const &layer)
-{
-    unsigned order = 0;
-    for (RefT<Node> const &node : layer)
-        node->order = order++;
-}
-
-/// The best order of all layers that was seen so far.
-class BestOrder {
-public:
-    explicit BestOrder(Hierarchy::NodeSet const &componentNodes) : nodes(componentNodes) { save(); }
-
-    void save()
-    {
-        orders.clear();
-        for (RefT<Node> const &node : nodes)
-            orders.push_back(node->order);
-    }
-    void restore() const
-    {
-        auto order = orders.begin();
-        for (RefT<Node> const &node : nodes)
-            node->order = *order++;
-    }
-
-private:
-    Hierarchy::NodeSet const &nodes;
-    std::vector<unsigned> orders; // In the order of the set.
-};
-
 } // namespace
 
-void Hierarchy::orderLayers(NodeSet const &nodes)
+void Hierarchy::orderLayers()
 {
     const StageTimer timer(figures.orderTime);
-    BestOrder bestOrder(nodes);
-    sortLayers();
+    figures.crossings +=
+        CrossingReduction(static_cast<unsigned>(nodes.size()), links, layers).run();
+    for (auto const &layer : layers) {
+        unsigned order = 0;
+        for (unsigned index : layer)
+            nodes[index]->order = order++;
+    }
+}
+
+CrossingReduction::CrossingReduction(unsigned numNodes, std::vector<Hierarchy::Link> const &links,
+                                     Layers &orderedLayers)
+    : layers(orderedLayers)
+    , order(numNodes)
+    , filled(numNodes)
+{
+    buildSide(before, links, &Hierarchy::Link::to, &Hierarchy::Link::from);
+    buildSide(behind, links, &Hierarchy::Link::from, &Hierarchy::Link::to);
+    for (auto const &layer : layers)
+        numberOrders(layer);
+}
+
+void CrossingReduction::buildSide(Side &side, std::vector<Hierarchy::Link> const &links,
+                                  unsigned Hierarchy::Link::*near, unsigned Hierarchy::Link::*far)
+{
+    side.begin.assign(order.size() + 1, 0);
+    for (Hierarchy::Link const &link : links)
+        ++side.begin[link.*near + 1];
+    for (std::size_t i = 1; i < side.begin.size(); ++i)
+        side.begin[i] += side.begin[i - 1];
+    side.far.resize(links.size());
+    side.orders.resize(links.size());
+    std::copy(side.begin.begin(), side.begin.end() - 1, filled.begin());
+    for (Hierarchy::Link const &link : links)
+        side.far[filled[link.*near]++] = link.*far;
+}
+
+unsigned CrossingReduction::run()
+{
     unsigned best = countCrossings();
     unsigned previous = best;
+    std::vector<unsigned> bestOrder = order;
     // Restarted for each component, so that the same input gives the same order.
     std::srand(0);
     for (int restart = 0; restart < maxRestarts && best != 0; ++restart) {
@@ -125,92 +86,127 @@ void Hierarchy::orderLayers(NodeSet const &nodes)
             if (crossings >= previous) {
                 ++stale;
             } else if (crossings < best) {
-                bestOrder.save();
+                bestOrder = order;
                 best = crossings;
                 stale = 0;
             }
             previous = crossings;
         };
+        std::vector<unsigned> orderBefore;
+        unsigned afterDown = 0, afterUp = 0;
         do {
-            judge(sweepDown());
-            judge(sweepUp());
+            // An order that comes back brings the same sweeps again: their counts are known.
+            if (orderBefore != order) {
+                orderBefore = order;
+                afterDown = sweepDown();
+                judge(afterDown);
+                afterUp = sweepUp();
+                judge(afterUp);
+            } else {
+                judge(afterDown);
+                judge(afterUp);
+            }
         } while (stale < maxStale && best != 0);
     }
-    bestOrder.restore();
-    sortLayers();
-    figures.crossings += best;
+    restore(bestOrder);
+    return best;
 }
 
-unsigned Hierarchy::sweepDown()
-{
-    for (auto &layer : layers)
-        orderByMedians(layer, Direction::In);
-    return countCrossings();
-}
-
-unsigned Hierarchy::sweepUp()
-{
-    for (auto layer = layers.rbegin(); layer != layers.rend(); ++layer)
-        orderByMedians(*layer, Direction::Out);
-    return countCrossings();
-}
-
-/// Orders a layer by the medians of its nodes' neighbours; equal medians keep their order.
-void Hierarchy::orderByMedians(std::vector<RefT<Node>> &layer, Direction side)
-{
-    std::vector<std::pair<int, RefT<Node>>> keyed;
-    keyed.reserve(layer.size());
-    for (RefT<Node> const &node : layer)
-        keyed.emplace_back(medianKey(*node, side), node);
-    std::stable_sort(keyed.begin(), keyed.end(),
-                     [](auto const &a, auto const &b) { return a.first < b.first; });
-    std::transform(keyed.begin(), keyed.end(), layer.begin(),
-                   [](auto const &pair) { return pair.second; });
-    numberOrders(layer);
-}
-
-void Hierarchy::sortLayers()
-{
-    for (auto &layer : layers)
-        std::sort(layer.begin(), layer.end(), [](RefT<Node> const &a, RefT<Node> const &b) {
-            return a->order < b->order;
-        });
-}
-
-void Hierarchy::shuffleLayers()
-{
-    for (auto &layer : layers) {
-        shuffle(layer);
-        numberOrders(layer);
-    }
-}
-
-unsigned Hierarchy::countCrossings() const
+unsigned CrossingReduction::countCrossings()
 {
     unsigned crossings = 0;
-    for (std::size_t i = 0; i + 1 < layers.size(); ++i)
-        crossings += countCrossings(i);
+    for (std::size_t i = 1; i < layers.size(); ++i) {
+        collectOrders(layers[i - 1], behind, before);
+        crossings += countCrossings(layers[i], layers[i - 1].size(), before);
+    }
     return crossings;
 }
 
-/// Number of crossings between `layer` and the layer after it, O(e log n) for e links and a later
-/// layer of n nodes.
-/// \pre Links join adjacent layers; Node::order runs from 0 in each layer.
-unsigned Hierarchy::countCrossings(std::size_t layer) const
+/// Orders each layer by the one before it. The first one has none, so that all its keys are 0 and
+/// it stays as it is.
+unsigned CrossingReduction::sweepDown()
 {
-    const auto numLeaves = static_cast<std::size_t>(
-        ceilPow2(static_cast<unsigned>(layers[layer + 1].size())));
-    const std::size_t base = numLeaves - 1;
-    std::vector<unsigned> accumulator(2 * numLeaves - 1, 0);
-    std::vector<unsigned> orders;
     unsigned crossings = 0;
-    for (RefT<Node> const &node : layers[layer]) {
-        orders.clear();
-        forEachNeighbourOrder(*node, Direction::Out,
-                              [&](unsigned order) { orders.push_back(order); });
-        std::sort(orders.begin(), orders.end());
-        for (unsigned order : orders) {
-            std::size_t index = order + base;
+    for (std::size_t i = 1; i < layers.size(); ++i) {
+        collectOrders(layers[i - 1], behind, before);
+        orderByMedians(layers[i], layers[i - 1].size(), before);
+        crossings += countCrossings(layers[i], layers[i - 1].size(), before);
+    }
+    return crossings;
+}
+
+unsigned CrossingReduction::sweepUp()
+{
+    unsigned crossings = 0;
+    for (std::size_t i = layers.size() - 1; i-- > 0;) {
+        collectOrders(layers[i + 1], before, behind);
+        orderByMedians(layers[i], layers[i + 1].size(), behind);
+        crossings += countCrossings(layers[i], layers[i + 1].size(), behind);
+    }
+    return crossings;
+}
+
+/// Enters the places of one layer's nodes with their neighbours in the next. Walking the layer from
+/// left to right gives each neighbour its list in rising order.
+void CrossingReduction::collectOrders(std::vector<unsigned> const &fixedLayer, Side const &towards,
+                                      Side &back)
+{
+    for (unsigned node : fixedLayer)
+        for (unsigned i = towards.begin[node]; i < towards.begin[node + 1]; ++i)
+            filled[towards.far[i]] = back.begin[towards.far[i]];
+    for (unsigned node : fixedLayer)
+        for (unsigned i = towards.begin[node]; i < towards.begin[node + 1]; ++i)
+            back.orders[filled[towards.far[i]]++] = order[node];
+}
+
+/// Twice the median of the neighbours' orders.
+///
+/// KEPT: a node with no neighbour on the sweep's side gets key 0 and moves to the left end instead
+/// of holding its place. Layer order is part of the view's contract.
+int CrossingReduction::medianKey(unsigned node, Side const &side) const
+{
+    const unsigned begin = side.begin[node];
+    const unsigned num = side.begin[node + 1] - begin;
+    if (num == 0)
+        return 0;
+    unsigned const *const orders = &side.orders[begin];
+    return static_cast<int>(orders[(num - 1) / 2] + orders[num / 2]);
+}
+
+/// Equal medians keep their order: a counting sort, whose keys are below twice the size of the
+/// fixed layer.
+void CrossingReduction::orderByMedians(std::vector<unsigned> &layer, std::size_t numFixed,
+                                       Side const &side)
+{
+    keys.clear();
+    for (unsigned node : layer)
+        keys.push_back(medianKey(node, side));
+    if (std::is_sorted(keys.begin(), keys.end()))
+        return;
+    numBelow.assign(2 * numFixed, 0);
+    for (int key : keys)
+        ++numBelow[static_cast<std::size_t>(key) + 1];
+    for (std::size_t i = 1; i < numBelow.size(); ++i)
+        numBelow[i] += numBelow[i - 1];
+    reordered.resize(layer.size());
+    for (std::size_t i = 0; i < layer.size(); ++i)
+        reordered[numBelow[static_cast<std::size_t>(keys[i])]++] = layer[i];
+    layer.swap(reordered);
+    numberOrders(layer);
+}
+
+/// Number of crossings between a layer and a fixed one beside it, O(e log n) for e links between
+/// them and a fixed layer of n nodes. \pre The orders on that side are collected.
+unsigned CrossingReduction::countCrossings(std::vector<unsigned> const &layer, std::size_t numFixed,
+                                           Side const &side)
+{
+    const std::size_t numLeaves = ceilPow2(static_cast<unsigned>(numFixed));
+    const std::size_t base = numLeaves - 1;
+    accumulator.assign(2 * numLeaves - 1, 0);
+    unsigned crossings = 0;
+    for (unsigned node : layer) {
+        for (unsigned i = side.begin[node]; i < side.begin[node + 1]; ++i) {
+            std::size_t index = side.orders[i] + base;
             ++accumulator[index];
             while (index != 0) {
                 if (index % 2 == 1)
@@ -221,6 +217,30 @@ unsigned Hierarchy::countCrossings(std::size_t layer) const
         }
     }
     return crossings;
+}
+
+void CrossingReduction::shuffleLayers()
+{
+    for (auto &layer : layers) {
+        for (std::size_t i = 1; i < layer.size(); ++i)
+            std::swap(layer[i], layer[drawUniform(static_cast<unsigned>(i + 1))]);
+        numberOrders(layer);
+    }
+}
+
+void CrossingReduction::numberOrders(std::vector<unsigned> const &layer)
+{
+    unsigned next = 0;
+    for (unsigned node : layer)
+        order[node] = next++;
+}
+
+void CrossingReduction::restore(std::vector<unsigned> const &savedOrder)
+{
+    order = savedOrder;
+    for (auto &layer : layers)
+        std::sort(layer.begin(), layer.end(),
+                  [&](unsigned a, unsigned b) { return order[a] < order[b]; });
 }
 
 } // namespace ZR::VOM::GUI::Graph

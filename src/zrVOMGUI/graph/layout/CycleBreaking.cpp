@@ -4,83 +4,98 @@
 #include "zrVOMGUI/graph/layout/StageTimer.h"
 #include "zrVOMGUI/graph/private/NodeLinks.h"
 
+#include <algorithm>
+
 namespace ZR::VOM::GUI::Graph {
 
-void Hierarchy::breakCycles(NodeSet const &nodes)
+void Hierarchy::breakCycles()
 {
     const StageTimer timer(figures.cyclesTime);
-    for (RefT<Node> const &node : nodes)
-        node->dfsEnter = node->dfsLeave = 0;
-    unsigned enter = 0, leave = 0;
-    for (RefT<Node> const &node : nodes)
-        if (node->dfsEnter == 0)
-            numberDepthFirst(*node, nodes, enter, leave);
+    collectLinks();
+    numberDepthFirst();
     reverseBackLinks();
 }
 
-/// Numbers what can be reached from `start`, and collects its links. A loop over an explicit stack:
-/// the depth follows the longest chain of the graph.
-void Hierarchy::numberDepthFirst(Node &start, NodeSet const &nodes, unsigned &enter, unsigned &leave)
+/// A node's links are in address order of their far ends, so that the list comes out in rising
+/// order. A self-link is passed over: it has no part in the layout.
+void Hierarchy::collectLinks()
 {
+    for (Node *node : nodes)
+        for (auto const &[far, entry] : node->linkedOut)
+            if (far->visible && far.get() != node)
+                links.push_back({node->index, far->index});
+}
+
+/// Numbers all nodes as a depth-first walk enters and leaves them. A loop over an explicit stack:
+/// the depth follows the longest chain of the graph.
+void Hierarchy::numberDepthFirst()
+{
+    for (Node *node : nodes)
+        node->dfsEnter = node->dfsLeave = 0;
     struct Visit {
-        Node &node;
-        LinkMap::const_iterator nextLink;
+        Node *node;
+        std::vector<Link>::const_iterator nextLink;
     };
     std::vector<Visit> path;
-    const auto begin = [&](Node &node) {
-        node.dfsEnter = ++enter;
-        path.push_back({node, node.linkedOut.cbegin()});
+    unsigned enter = 0, leave = 0;
+    const auto begin = [&](unsigned index) {
+        nodes[index]->dfsEnter = ++enter;
+        path.push_back(
+            {nodes[index], std::lower_bound(links.cbegin(), links.cend(), Link{index, 0})});
     };
-    begin(start);
-    while (!path.empty()) {
-        Visit &visit = path.back();
-        if (visit.nextLink == visit.node.linkedOut.cend()) {
-            visit.node.dfsLeave = ++leave;
-            path.pop_back();
-            continue;
+    for (unsigned root = 0; root < nodes.size(); ++root) {
+        if (nodes[root]->dfsEnter == 0)
+            begin(root);
+        while (!path.empty()) {
+            Visit &visit = path.back();
+            if (visit.nextLink == links.cend() || visit.nextLink->from != visit.node->index) {
+                visit.node->dfsLeave = ++leave;
+                path.pop_back();
+                continue;
+            }
+            const unsigned to = (visit.nextLink++)->to;
+            if (nodes[to]->dfsEnter == 0)
+                begin(to);
         }
-        auto const &[far, entry] = *visit.nextLink;
-        ++visit.nextLink;
-        const auto found = nodes.find(far);
-        if (found == nodes.end())
-            continue;
-        links.emplace(LinkKey(visit.node, *found), entry.count);
-        if (far->dfsEnter == 0)
-            begin(*far);
     }
 }
 
 /// Reverses each link that leads back to where the depth-first walk came from.
 ///
-/// The reversal is made on the nodes' own links: for the length of the layout the graph really holds
-/// the link in the other direction. A self-link is neither, and stays.
+/// The reversal is made on the nodes' own links: for the length of the layout the graph really
+/// holds the link in the other direction.
 ///
-/// KEPT: of a pair of opposed links one is merged into the other, and revertLinks() turns the merged
-/// link as a whole: the pair is one link from then on, in the direction of the one that was reversed.
-/// Hosts see the opposite link again when links are next rebuilt.
+/// KEPT: of a pair of opposed links one is merged into the other, and revertLinks() turns the
+/// merged link as a whole: the pair is one link from then on, in the direction of the one that was
+/// reversed. Hosts see the opposite link again when links are next rebuilt.
 void Hierarchy::reverseBackLinks()
 {
-    for (auto link = links.begin(); link != links.end();) {
-        const auto [from, to] = link->first;
-        const bool isBackLink =
-            from != to && from->dfsEnter >= to->dfsEnter && from->dfsLeave <= to->dfsLeave;
-        if (!isBackLink) {
-            ++link;
-            continue;
-        }
-        const unsigned count = link->second;
-        dropLink(*from, *to, count);
-        addLink(*to, *from, count);
-        links[LinkKey(to, from)] += count;
-        reversedLinks.emplace(LinkKey(to, from), count);
-        link = links.erase(link);
+    const auto isBackLink = [this](Link link) {
+        Node const &from = *nodes[link.from];
+        Node const &to = *nodes[link.to];
+        return from.dfsEnter >= to.dfsEnter && from.dfsLeave <= to.dfsLeave;
+    };
+    const auto firstBackLink = std::stable_partition(links.begin(), links.end(),
+                                                     [&](Link link) { return !isBackLink(link); });
+    if (firstBackLink == links.end())
+        return;
+    for (auto link = firstBackLink; link != links.end(); ++link) {
+        std::swap(link->from, link->to);
+        Node &from = *nodes[link->from];
+        Node &to = *nodes[link->to];
+        const unsigned count = to.linkedOut.at(keyOf(from)).count;
+        dropLink(to, from, count);
+        addLink(from, to, count);
+        reversedLinks.emplace_back(&from, &to);
     }
+    std::sort(links.begin(), links.end());
+    links.erase(std::unique(links.begin(), links.end()), links.end());
 }
 
 bool Hierarchy::revertLinks()
 {
-    for (auto const &[key, count] : reversedLinks)
-        revertLink(*key.first, *key.second);
+    for (auto const &[from, to] : reversedLinks)
+        revertLink(*from, *to);
     const bool any = !reversedLinks.empty();
     reversedLinks.clear();
     return any;

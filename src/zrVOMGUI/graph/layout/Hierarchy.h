@@ -6,8 +6,6 @@
 #include "zrVOMGUI/graph/private/Node.h"
 
 #include <functional>
-#include <map>
-#include <set>
 #include <utility>
 #include <vector>
 
@@ -27,66 +25,78 @@ struct Geometry {
 /// (IEEE TSE 19(3), 1993): cycles are broken, nodes are ranked, long links are split, layers are
 /// ordered, and coordinates are assigned. Each stage tells its departures where it is written.
 ///
-/// All iteration orders descend from the nodes' addresses: two layouts of one graph agree, while the
-/// same graph built again may come out differently.
+/// Inside, nodes are numbers, their places in the component in address order, and links are pairs
+/// of them in rising order; so all iteration orders descend from the nodes' addresses. Two layouts
+/// of one graph agree, while the same graph built again may come out differently.
 class Hierarchy {
 public:
-    using NodeSet = std::set<RefT<Node>>;
-    using LinkKey = std::pair<RefT<Node>, RefT<Node>>;
-    /// Links in their current direction, with their multiplicity, by from node and then to node.
-    using Links = std::map<LinkKey, unsigned>;
+    /// `component`: all nodes of one connected component, in address order. They and the arguments
+    /// must outlive the hierarchy.
+    Hierarchy(Geometry const &nodeGeometry, LayoutFigures &layoutFigures,
+              std::vector<Node *> component);
 
-    Hierarchy(Geometry const &nodeGeometry, LayoutFigures &layoutFigures);
-
-    /// The component of `representative`, ranked, its long links split and its layers filled. The
-    /// set includes the intermediate nodes; it is empty when the representative isn't visible.
-    NodeSet assignRanks(RefT<Node> const &representative);
+    /// Ranks the nodes, splits long links and fills the layers. From then on getNodes() includes
+    /// the intermediate nodes.
+    void assignRanks();
 
     /// Permutes each layer so that few links cross.
-    void orderLayers(NodeSet const &nodes);
+    void orderLayers();
 
     /// Gives every node its place, local to the component, and returns the bound.
-    Bounds assignCoordinates(NodeSet const &nodes);
+    Bounds assignCoordinates();
 
     /// Turns back the links that cycle breaking turned. Answers whether there was any.
     bool revertLinks();
 
+    /// In address order.
+    std::vector<Node *> const &getNodes() const { return nodes; }
+    /// The nodes of each rank, by number, from left to right.
+    std::vector<std::vector<unsigned>> const &getLayers() const { return layers; }
+
+    /// A link by the numbers of its nodes, in its direction during the layout. Self-links have no
+    /// part in it.
+    struct Link {
+        unsigned from, to;
+
+        bool operator<(Link const &other) const
+        {
+            return from != other.from ? from < other.from : to < other.to;
+        }
+        bool operator==(Link const &other) const { return from == other.from && to == other.to; }
+    };
+    /// In rising order; after assignRanks() of the unit pieces.
+    std::vector<Link> const &getLinks() const { return links; }
+
 private:
-    friend struct HierarchyAccess; // The tests' view of the single stages.
+    void numberNodes();
 
     // Cycle breaking.
-    void breakCycles(NodeSet const &nodes);
-    void numberDepthFirst(Node &start, NodeSet const &nodes, unsigned &enter, unsigned &leave);
+    void breakCycles();
+    void collectLinks();
+    void numberDepthFirst();
     void reverseBackLinks();
 
     // Ranking.
-    void solveRanks(NodeSet const &nodes);
-    static int normalizeRanks(NodeSet const &nodes);
+    void solveRanks();
+    int normalizeRanks();
 
     // Long links.
-    void splitLongLinks(NodeSet &nodes);
-    void fillLayers(NodeSet const &nodes, int span);
-
-    // Crossing reduction.
-    unsigned countCrossings() const;
-    unsigned countCrossings(std::size_t layer) const;
-    unsigned sweepDown();
-    unsigned sweepUp();
-    void orderByMedians(std::vector<RefT<Node>> &layer, Direction side);
-    void sortLayers();
-    void shuffleLayers();
+    void splitLongLinks();
+    void collectUnitLinks();
+    void fillLayers(int span);
 
     // Coordinate assignment.
-    void solveX(NodeSet const &nodes);
+    void solveX();
     void assignY();
     Bounds bound() const;
     double horizontalLength() const;
 
     Geometry const &geometry;
     LayoutFigures &figures;
-    std::vector<std::vector<RefT<Node>>> layers; // One for each rank, from left to right.
-    Links links;
-    Links reversedLinks; // Turned by cycle breaking, keyed in their reversed direction.
+    std::vector<Node *> nodes; // In address order; Node::index is the place in it. Not owned.
+    std::vector<Link> links;
+    std::vector<std::pair<Node *, Node *>> reversedLinks; // In their reversed direction.
+    std::vector<std::vector<unsigned>> layers;
 };
 
 } // namespace ZR::VOM::GUI::Graph

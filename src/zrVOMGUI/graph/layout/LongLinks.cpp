@@ -3,39 +3,57 @@
 #include "zrVOMGUI/graph/layout/Hierarchy.h"
 #include "zrVOMGUI/graph/private/NodeLinks.h"
 
+#include <algorithm>
+#include <functional>
+
 namespace ZR::VOM::GUI::Graph {
 
 /// The whole links stay in reversedLinks, since a link is turned back with its chain.
-void Hierarchy::splitLongLinks(NodeSet &nodes)
+void Hierarchy::splitLongLinks()
 {
-    for (auto link = links.begin(); link != links.end();) {
-        const auto [from, to] = link->first;
-        const int length = to->rank - from->rank;
-        if (length < 2) {
-            ++link;
+    const std::size_t numReal = nodes.size();
+    for (Link link : links) {
+        Node &from = *nodes[link.from];
+        Node &to = *nodes[link.to];
+        const int length = to.rank - from.rank;
+        if (length < 2)
             continue;
+        int rank = from.rank;
+        for (RefT<Node> const &station : splitLink(from, to, static_cast<unsigned>(length - 1))) {
+            station->rank = ++rank;
+            nodes.push_back(station.get());
         }
-        const unsigned count = link->second;
-        RefT<Node> previous = from;
-        for (RefT<Node> const &station : splitLink(*from, *to, static_cast<unsigned>(length - 1))) {
-            nodes.insert(station);
-            station->rank = previous->rank + 1;
-            links.emplace(LinkKey(previous, station), count);
-            previous = station;
+    }
+    if (nodes.size() == numReal)
+        return;
+    std::sort(nodes.begin(), nodes.end(), std::less<Node *>());
+    numberNodes();
+    collectUnitLinks();
+}
+
+void Hierarchy::collectUnitLinks()
+{
+    links.clear();
+    for (Node *node : nodes) {
+        const auto begin = static_cast<std::ptrdiff_t>(links.size());
+        for (auto const &link : node->linkedOut) {
+            Node const &far = neighbour(link);
+            if (far.visible && &far != node)
+                links.push_back({node->index, far.index});
         }
-        links.emplace(LinkKey(previous, to), count);
-        link = links.erase(link);
+        // In address order of the next hops, which isn't that of the far ends.
+        std::sort(links.begin() + begin, links.end());
     }
 }
 
 /// The first order in each layer is that of the nodes' addresses, not one of a depth-first walk.
-void Hierarchy::fillLayers(NodeSet const &nodes, int span)
+void Hierarchy::fillLayers(int span)
 {
     layers.assign(static_cast<std::size_t>(span) + 1, {});
-    for (RefT<Node> const &node : nodes) {
+    for (Node *node : nodes) {
         auto &layer = layers[static_cast<std::size_t>(node->rank)];
         node->order = static_cast<unsigned>(layer.size());
-        layer.push_back(node);
+        layer.push_back(node->index);
     }
 }
 

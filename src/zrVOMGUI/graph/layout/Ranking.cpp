@@ -1,6 +1,5 @@
 // Gives each node its layer.
 
-#include "zrVOMGUI/graph/layout/Components.h"
 #include "zrVOMGUI/graph/layout/Hierarchy.h"
 #include "zrVOMGUI/graph/layout/NetworkSimplex.h"
 #include "zrVOMGUI/graph/layout/StageTimer.h"
@@ -10,54 +9,46 @@
 
 namespace ZR::VOM::GUI::Graph {
 
-Hierarchy::NodeSet Hierarchy::assignRanks(RefT<Node> const &representative)
+void Hierarchy::assignRanks()
 {
-    NodeSet nodes;
-    if (!representative->visible)
-        return nodes;
-    nodes.insert(representative);
-    findIsolatedVisibleGraph(representative, nodes);
-    breakCycles(nodes);
-    solveRanks(nodes);
-    const int span = normalizeRanks(nodes);
+    breakCycles();
+    solveRanks();
+    const int span = normalizeRanks();
     const std::size_t numReal = nodes.size();
     {
         const StageTimer timer(figures.splitTime);
-        splitLongLinks(nodes);
-        fillLayers(nodes, span);
+        splitLongLinks();
+        fillLayers(span);
     }
     figures.splitNodes += static_cast<unsigned>(nodes.size() - numReal);
     figures.layers = std::max(figures.layers, static_cast<unsigned>(layers.size()));
-    return nodes;
 }
 
 /// Ranks by network simplex. Departs from the published method in that every link has weight 1 and
 /// minimum length 1, whatever its multiplicity.
-void Hierarchy::solveRanks(NodeSet const &nodes)
+void Hierarchy::solveRanks()
 {
     const StageTimer timer(figures.ranksTime);
     NetworkSimplex simplex;
-    std::map<RefT<Node>, unsigned> vertexOf;
-    for (RefT<Node> const &node : nodes)
-        vertexOf.emplace_hint(vertexOf.end(), node, simplex.addVertex());
-    for (auto const &[key, count] : links)
-        if (key.first != key.second)
-            simplex.addEdge(vertexOf.at(key.first), vertexOf.at(key.second), 1, 1);
+    for (std::size_t i = 0; i < nodes.size(); ++i)
+        simplex.addVertex();
+    for (Link link : links)
+        simplex.addEdge(link.from, link.to, 1, 1);
     simplex.solve();
-    for (auto const &[node, vertex] : vertexOf)
-        node->rank = simplex.rank(vertex);
+    for (Node *node : nodes)
+        node->rank = simplex.rank(node->index);
 }
 
 /// Lets ranks begin at 0, and returns the highest.
-int Hierarchy::normalizeRanks(NodeSet const &nodes)
+int Hierarchy::normalizeRanks()
 {
     int lowest = std::numeric_limits<int>::max();
     int highest = std::numeric_limits<int>::min();
-    for (RefT<Node> const &node : nodes) {
+    for (Node *node : nodes) {
         lowest = std::min(lowest, node->rank);
         highest = std::max(highest, node->rank);
     }
-    for (RefT<Node> const &node : nodes)
+    for (Node *node : nodes)
         node->rank -= lowest;
     return highest - lowest;
 }

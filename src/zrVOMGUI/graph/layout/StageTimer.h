@@ -9,7 +9,11 @@ namespace ZR::VOM::GUI::Graph {
 /// Adds the time of its life, in seconds, to a sum.
 class StageTimer {
 public:
-    explicit StageTimer(double &timeSum) : sum(timeSum), start(Clock::now()) {}
+    explicit StageTimer(double &timeSum)
+        : sum(timeSum)
+        , start(Clock::now())
+    {
+    }
     ~StageTimer() { sum += std::chrono::duration<double>(Clock::now() - start).count(); }
     StageTimer(StageTimer const &) = delete;
     StageTimer &operator=(StageTimer const &) = delete;

@@ -31,17 +31,22 @@ struct LinkEntry {
 /// The ends of a node's links in one direction, by the node at the far end, in address order.
 using LinkMap = std::map<PtrT<Node>, LinkEntry>;
 
+/// A link field being watched.
 struct FieldConns {
+    PtrT<Field> field;
     Signal::Connection setConn;
     Signal::Connection lostConn;
 };
+
+/// By the field's address, which stays in order when a field dies unheard.
+using WatchedFields = std::map<Field const *, FieldConns>;
 
 /// What a node with an object keeps about it. Intermediate nodes have none.
 struct ObjectWatch {
     PtrT<FieldString> nameField; ///< Gave the label; null if none.
     Signal::Connection addFieldConn, removeFieldConn;
     Signal::Connection nameFieldConn;
-    std::map<PtrT<Field>, FieldConns> inFields, outFields; ///< Link fields being watched.
+    WatchedFields inFields, outFields;
     QIcon icon;
     QString label;
 };
@@ -56,6 +61,10 @@ public:
     /// hidden.
     Node(ObjectGraphView &owner, RefT<Object> const &object);
     ~Node() override;
+
+    /// Ends the node's part in the graph, even if somebody still holds it: it drops its links and
+    /// what it watches, is hidden, and doesn't need the view any more.
+    void leaveGraph();
 
     bool isIntermediate() const { return !watch; }
     LinkMap &links(Direction direction) { return direction == Direction::Out ? linkedOut : linkedIn; }
@@ -85,6 +94,7 @@ public:
     unsigned dfsEnter = 0, dfsLeave = 0;
     int rank = 0;
     unsigned order = 0;
+    unsigned index = 0; // Of its component, and then its own in the component.
 
     std::unique_ptr<ObjectWatch> watch;
 };

@@ -16,7 +16,7 @@ void addLink(Node &from, Node &to, unsigned count);
 void dropLink(Node &from, Node &to, unsigned count);
 
 /// Cuts a link into `count` + 1 pieces by intermediate nodes, and returns these from the `from` side
-/// to the `to` side. Empty when `count` is 0 or there is no such link.
+/// to the `to` side; those that it had go. Empty when `count` is 0 or there is no such link.
 std::vector<RefT<Node>> splitLink(Node &from, Node &to, unsigned count);
 
 /// Makes a link direct again; its intermediate nodes go. Does nothing when there is no such link.

@@ -1,0 +1,227 @@
+// Which edge enters the tree of the network simplex.
+
+#include "zrVOMGUI/graph/layout/NetworkSimplex.h"
+
+namespace ZR::VOM::GUI::Graph {
+
+// The two directions of a search through the subtree below the leaving edge. `along` are the edges
+// that may leave the subtree, or tree edges that the walk goes along; `against` are the tree edges
+// that it goes against afterwards.
+
+/// The leaving edge's head is below: edges that run out of the subtree are looked for.
+struct NetworkSimplex::OutSide {
+    NetworkSimplex const &s;
+    Incidence const &along() const { return s.outEdges; }
+    Incidence const &alongFromRest() const { return s.inEdges; }
+    VertexId near(EdgeId e) const { return s.edges[e].tail; }
+    int slack(VertexId v, Incident const &e) const { return s.slack(v, e.far, e.minLength); }
+    int slackFromRest(VertexId v, Incident const &e) const
+    {
+        return s.slack(e.far, v, e.minLength);
+    }
+    EdgeId firstAgainst(VertexId v) const { return s.tree.firstIn(v); }
+    EdgeId nextAgainst(EdgeId e) const { return s.tree.nextIn(e); }
+};
+
+/// The leaving edge's tail is below: edges that run into the subtree are looked for.
+struct NetworkSimplex::InSide {
+    NetworkSimplex const &s;
+    Incidence const &along() const { return s.inEdges; }
+    Incidence const &alongFromRest() const { return s.outEdges; }
+    VertexId near(EdgeId e) const { return s.edges[e].head; }
+    int slack(VertexId v, Incident const &e) const { return s.slack(e.far, v, e.minLength); }
+    int slackFromRest(VertexId v, Incident const &e) const
+    {
+        return s.slack(v, e.far, e.minLength);
+    }
+    EdgeId firstAgainst(VertexId v) const { return s.tree.firstOut(v); }
+    EdgeId nextAgainst(EdgeId e) const { return s.tree.nextOut(e); }
+};
+
+/// The edge of least slack among those that join the two sides of the tree in the direction
+/// opposite to the leaving edge; the first met of equal ones.
+NetworkSimplex::Candidate NetworkSimplex::enterEdge(Cut const &cut)
+{
+    const auto enter = [&](auto const &side) {
+        return cut.subtreeIsSmall ? searchSubtree(side, cut, 0) : searchRest(side, cut, true);
+    };
+    return cut.childIsHead ? enter(OutSide{*this}) : enter(InSide{*this});
+}
+
+/// An edge of least slack among those, or of a slack of at most 1, whichever comes first.
+NetworkSimplex::Candidate NetworkSimplex::leastSlack(Cut const &cut)
+{
+    const auto find = [&](auto const &side) {
+        return cut.subtreeIsSmall ? searchSubtree(side, cut, 1) : searchRest(side, cut, false);
+    };
+    return cut.childIsHead ? find(OutSide{*this}) : find(InSide{*this});
+}
+
+/// Walks through the subtree in the order that decides between equal slacks. Ends at the first
+/// slack that is good enough: none is lower than 0, and the walk meets the first one first.
+template <class Side>
+NetworkSimplex::Candidate NetworkSimplex::searchSubtree(Side const &side, Cut const &cut,
+                                                        int goodEnough)
+{
+    inside += 2;
+    outside += 2;
+    Candidate best{std::numeric_limits<int>::max(), none};
+
+    VertexId *lastSeen = smallSide.data();
+    Visit *visit = path.data();
+    // Field by field: a whole Visit would be built elsewhere and copied, at twice the cost of a
+    // step.
+    const auto begin = [&](VertexId v) {
+        tree.mark(v) = inside;
+        *lastSeen++ = v;
+        const auto along = side.along().at(v);
+        visit->vertex = v;
+        visit->nextAlong = along.first;
+        visit->endAlong = along.last;
+        visit->against = none;
+    };
+    begin(cut.child);
+    for (;;) {
+        const VertexId v = visit->vertex;
+        const EdgeId parentEdge = tree.parentEdge(v);
+        VertexId child = none;
+        for (; child == none && visit->nextAlong != visit->endAlong; ++visit->nextAlong) {
+            Incident const &e = *visit->nextAlong;
+            if (tree.parentEdge(e.far) == e.edge) {
+                child = e.far;
+            } else if (parentEdge != e.edge && !isBelow(e.far, cut.child)) {
+                const int edgeSlack = side.slack(v, e);
+                if (edgeSlack < best.slack || best.edge == none) {
+                    best = {edgeSlack, e.edge};
+                    if (edgeSlack <= goodEnough)
+                        return best;
+                }
+            }
+        }
+        while (child == none) {
+            const EdgeId e =
+                visit->against == none ? side.firstAgainst(v) : side.nextAgainst(visit->against);
+            if (e == none)
+                break;
+            visit->against = e;
+            if (e != parentEdge)
+                child = side.near(e);
+        }
+        if (child != none) {
+            ++visit;
+            begin(child);
+        } else if (visit == path.data()) {
+            break;
+        } else {
+            --visit;
+        }
+    }
+    smallSideSize = static_cast<unsigned>(lastSeen - smallSide.data());
+    return best;
+}
+
+/// Looks at the cut from the other side, when that is the smaller one. Which of equal slacks the
+/// walk through the subtree would have met first is found out afterwards.
+template <class Side>
+NetworkSimplex::Candidate NetworkSimplex::searchRest(Side const &side, Cut const &cut,
+                                                     bool wantsFirst)
+{
+    collectRest(cut);
+    ties.clear();
+    int best = std::numeric_limits<int>::max();
+    for (unsigned i = 0; i < smallSideSize; ++i) {
+        const VertexId v = smallSide[i];
+        for (Incident const &e : side.alongFromRest().at(v)) {
+            // Tree edges other than the leaving one don't cross, and that one crosses the other
+            // way.
+            if (tree.mark(e.far) == outside)
+                continue;
+            const int edgeSlack = side.slackFromRest(v, e);
+            if (edgeSlack < best) {
+                best = edgeSlack;
+                ties.clear();
+            }
+            if (edgeSlack == best)
+                ties.push_back(e.edge);
+        }
+    }
+    if (ties.empty())
+        return {best, none};
+    return {best, wantsFirst && ties.size() > 1 ? firstMet(side, cut, ties) : ties.front()};
+}
+
+/// Collects and marks the vertices that aren't in the subtree.
+void NetworkSimplex::collectRest(Cut const &cut)
+{
+    inside += 2;
+    outside += 2;
+    smallSide[0] = cut.parent;
+    smallSideSize = 1;
+    tree.mark(cut.parent) = outside;
+    tree.mark(cut.child) = inside;
+    const auto enter = [this](VertexId v) {
+        unsigned &mark = tree.mark(v);
+        if (mark != outside && mark != inside) {
+            mark = outside;
+            smallSide[smallSideSize++] = v;
+        }
+    };
+    for (unsigned i = 0; i < smallSideSize; ++i) {
+        const VertexId v = smallSide[i];
+        for (EdgeId e = tree.firstOut(v); e != none; e = tree.nextOut(e))
+            enter(edges[e].head);
+        for (EdgeId e = tree.firstIn(v); e != none; e = tree.nextIn(e))
+            enter(edges[e].tail);
+    }
+}
+
+/// The one of several edges that the walk through the subtree would meet first.
+///
+/// At each vertex on the way from a candidate up to the root of the subtree, the branch that the
+/// walk would take first is kept. From the root, these branches lead to the answer.
+template <class Side>
+NetworkSimplex::EdgeId NetworkSimplex::firstMet(Side const &side, Cut const &cut,
+                                                std::vector<EdgeId> const &candidates)
+{
+    ++branchSearch;
+    for (EdgeId candidate : candidates) {
+        VertexId v = side.near(candidate);
+        for (EdgeId edge = candidate;; edge = tree.parentEdge(v), v = tree.parent(v)) {
+            const bool isAgainst = side.near(edge) != v;
+            const Branch branch{branchSearch, isAgainst, isAgainst ? tree.age(edge) : edge, edge};
+            Branch &first = firstBranch[v];
+            const bool isNew = first.search != branchSearch;
+            if (isNew || branch.comesBefore(first))
+                first = branch;
+            if (!isNew || v == cut.child)
+                break;
+        }
+    }
+    VertexId v = cut.child;
+    while (tree.contains(firstBranch[v].edge))
+        v = otherEnd(firstBranch[v].edge, v);
+    return firstBranch[v].edge;
+}
+
+/// Whether a vertex is in the subtree. What is found out on the way is kept for the same search.
+bool NetworkSimplex::isBelow(VertexId vertex, VertexId subtreeRoot)
+{
+    if (tree.mark(vertex) == inside)
+        return true;
+    VertexId known = vertex;
+    bool below = false;
+    for (;; known = tree.parent(known)) {
+        const unsigned mark = tree.mark(known);
+        if (mark == inside || mark == outside) {
+            below = mark == inside;
+            break;
+        }
+        if (tree.size(known) >= tree.size(subtreeRoot))
+            break;
+    }
+    for (VertexId v = vertex; v != known; v = tree.parent(v))
+        tree.mark(v) = below ? inside : outside;
+    return below;
+}
+
+} // namespace ZR::VOM::GUI::Graph
