@@ -1,0 +1,21 @@
+#pragma once
+
+// Lets Qt Test show std::string where two differ, and take it in tables.
+
+#include <QByteArray>
+#include <QMetaType>
+#include <QtTest>
+
+#include <string>
+
+Q_DECLARE_METATYPE(std::string)
+
+namespace QTest {
+
+template <>
+inline char *toString(std::string const &text)
+{
+    return qstrdup(('"' + text + '"').c_str());
+}
+
+} // namespace QTest
