@@ -1,0 +1,142 @@
+// What the graph view costs beside the layout: adding objects, showing them, painting, animation
+// ticks and field changes, at 1,000, 10,000 and 100,000 nodes with two links each.
+//
+//     ./run bench graph [--largest NODES]
+//
+// A row for each operation and size: the median time in milliseconds, and the growth from the size
+// before. "paint" is one paint of a viewport of 1,000 by 700 pixels, scrolled to the middle of the
+// drawing: the bulk of the graph is off screen. "tick" is one step of the node animation without
+// its paint. "field change" sets one list of links to the other of two values.
+
+#include "support/GraphModel.h"
+#include "support/GraphViewAccess.h"
+#include "support/statistics.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QScrollBar>
+#include <QTimer>
+#include <QTimerEvent>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+
+namespace {
+
+using ZR::VOM::GUI::ObjectGraphView;
+
+class Table {
+public:
+    void add(std::string const &operation, unsigned numNodes, std::vector<double> times)
+    {
+        const double time = medianOf(std::move(times));
+        double &before = last[operation];
+        if (before > 0)
+            std::printf("%-14s %8u %12.3f %8.1f\n", operation.c_str(), numNodes, time * 1000,
+                        time / before);
+        else
+            std::printf("%-14s %8u %12.3f\n", operation.c_str(), numNodes, time * 1000);
+        std::fflush(stdout);
+        before = time;
+    }
+
+private:
+    std::map<std::string, double> last; // By operation.
+};
+
+template <class Operation>
+std::vector<double> timesOf(int repeat, Operation const &operation)
+{
+    std::vector<double> times;
+    for (int i = 0; i < repeat; ++i) {
+        const double start = wallTime();
+        operation();
+        times.push_back(wallTime() - start);
+    }
+    return times;
+}
+
+/// A forest whose trees have about a hundred nodes, with a second link from each node across its
+/// tree: what a large model looks like, and laid out in no time.
+NumberedGraph forest(unsigned numNodes)
+{
+    constexpr unsigned treeSize = 100;
+    NumberedGraph graph;
+    graph.numNodes = numNodes;
+    for (unsigned i = 0; i < numNodes; ++i) {
+        const unsigned root = i - i % treeSize;
+        const unsigned place = i - root;
+        if (place != 0) {
+            graph.links.emplace_back(root + (place - 1) / 3, i);
+            graph.links.emplace_back(root + (place - 1) / 4, i);
+        }
+    }
+    return graph;
+}
+
+/// One step of the node animation, as its timer would do it.
+void tick(ObjectGraphView &view)
+{
+    QTimer &timer = ZR::VOM::GUI::GraphViewAccess::animTimer(view);
+    QTimerEvent event(timer.timerId());
+    QApplication::sendEvent(&timer, &event);
+}
+
+void endAnimation(ObjectGraphView &view)
+{
+    view.animDuration.set(0);
+    tick(view);
+}
+
+void measure(unsigned numNodes, Table &table)
+{
+    constexpr int repeat = 9;
+    GraphModel model(numNodes);
+    model.fill(forest(numNodes));
+    ObjectGraphView view;
+    view.resize(1000, 700);
+    table.add("add", numNodes, timesOf(1, [&] { model.addTo(view); }));
+    table.add("show", numNodes, timesOf(1, [&] { view.setVisible(model.objs, true); }));
+
+    view.animDuration.set(60);
+    table.add("tick", numNodes, timesOf(repeat, [&] { tick(view); }));
+    endAnimation(view);
+
+    QImage picture(1000, 700, QImage::Format_RGB32);
+    view.viewport()->render(&picture);
+    QScrollBar *const bar = view.horizontalScrollBar();
+    bar->setValue((bar->minimum() + bar->maximum()) / 2);
+    table.add("paint", numNodes, timesOf(repeat, [&] { view.viewport()->render(&picture); }));
+
+    ZR::VOM::MFieldPtr &links = model.links(0);
+    const auto oldLinks = links.getAll();
+    bool isOld = true;
+    table.add("field change", numNodes, timesOf(repeat, [&] {
+                  isOld = !isOld;
+                  links.replace(0, links.getNum(),
+                                isOld ? oldLinks : decltype(oldLinks){model.objs[numNodes - 1]});
+              }));
+    table.add("select", numNodes, timesOf(repeat, [&] { view.setSel({model.objs[0]}); }));
+    table.add("clear", numNodes, timesOf(1, [&] { view.clear(); }));
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    unsigned largest = 100000;
+    if (argc == 3 && std::strcmp(argv[1], "--largest") == 0)
+        largest = static_cast<unsigned>(std::atoi(argv[2]));
+    else if (argc != 1) {
+        std::fprintf(stderr, "usage: graph [--largest NODES]\n");
+        return 2;
+    }
+    std::printf("%-14s %8s %12s %8s\n", "operation", "nodes", "ms", "growth");
+    Table table;
+    for (unsigned numNodes = 1000; numNodes <= largest; numNodes *= 10)
+        measure(numNodes, table);
+    return 0;
+}
