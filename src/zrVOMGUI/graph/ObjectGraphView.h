@@ -19,6 +19,7 @@
 #include <vector>
 
 class QPainter;
+class QPolygon;
 
 namespace ZR::VOM::GUI {
 
@@ -32,9 +33,9 @@ struct LinkEntry;
 
 /// Objects as boxes in layers, joined by lines.
 ///
-/// The host adds objects, names the fields that count as links, and chooses which nodes are visible.
-/// From then on the view follows the model by itself: labels, links and deaths. It never changes the
-/// model, and never owns it.
+/// The host adds objects, names the fields that count as links, and chooses which nodes are
+/// visible. From then on the view follows the model by itself: labels, links and deaths. It never
+/// changes the model, and never owns it.
 ///
 /// Every object that was added has a node, visible or not. Hidden nodes keep their links, so that
 /// the view can show, by an arrow, where a neighbour is hidden.
@@ -146,7 +147,8 @@ public:
     /// \name Link fields
     /// Which fields make links, by class name and field name. The empty class name stands for every
     /// class, and a base class for its derived ones. A link of an out field runs from the field's
-    /// object to the linked one, a link of an in field the other way. An empty field name is ignored.
+    /// object to the linked one, a link of an in field the other way. An empty field name is
+    /// ignored.
     /// @{
     using LinkFields = std::map<std::string, std::set<std::string>>;
 
@@ -219,8 +221,8 @@ protected:
 
     /// Calls onPaintNodeIcon(), then emits sigPaintNodeIcon.
     void paintNodeIcon(PtrT<Object> const &obj, QPainter &painter, int x, int y, int w, int h);
-    /// Called after a node's icon was painted, also when there is none. Does nothing by default. May
-    /// do what a listener of sigPaintNodeIcon may.
+    /// Called after a node's icon was painted, also when there is none. Does nothing by default.
+    /// May do what a listener of sigPaintNodeIcon may.
     virtual void onPaintNodeIcon(PtrT<Object> const &obj, QPainter &painter, int x, int y, int w,
                                  int h);
 
@@ -316,7 +318,8 @@ private:
     void measureVisibleNodes();
     void paintBackground(PaintContext const &context);
     void paintLinks(PaintContext const &context);
-    void paintOutLinks(PaintContext const &context, Node const &node);
+    void layRoute(PaintContext const &context, Node const &node, Node const &far,
+                  Graph::LinkEntry const &entry, QPolygon &route) const;
     void paintNode(PaintContext const &context, Node &node);
     void paintArrow(PaintContext const &context, int x, int y, double degrees);
 

@@ -1,10 +1,11 @@
 // The picture: a gradient, then every link, then every node box on top. A node is three bands: an
-// empty one of the icon's height, the box, and another empty one. Links run from the top of the lower
-// band of their from node to the top of the box of their to node; the bands also hold the arrows that
-// tell of hidden neighbours.
+// empty one of the icon's height, the box, and another empty one. Links run from the top of the
+// lower band of their from node to the top of the box of their to node; the bands also hold the
+// arrows that tell of hidden neighbours.
 
 #include "zrVOMGUI/graph/ObjectGraphView.h"
 #include "zrVOMGUI/graph/private/Node.h"
+#include "zrVOMGUI/graph/private/PaintContext.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -27,27 +28,7 @@ bool hasHiddenNeighbour(Graph::LinkMap const &links)
                        [](auto const &link) { return !link.first->visible; });
 }
 
-template <std::size_t n>
-QPoint drawRoute(QPainter &painter, const QPoint (&points)[n])
-{
-    painter.drawPolyline(points, static_cast<int>(n));
-    return points[n - 1];
-}
-
 } // namespace
-
-/// What one paint needs at every node.
-struct ObjectGraphView::PaintContext {
-    QPainter &painter;
-    QPoint scroll;
-    int width, height; // Of the widget.
-
-    bool isOffScreen(int left, int top, int w, int h) const
-    {
-        return left + w < 0 || top + h < 0 || left >= width || top >= height;
-    }
-    QPoint centreOf(Node const &node) const { return QPoint(node.x, node.y) - scroll; }
-};
 
 void ObjectGraphView::paintEvent(QPaintEvent *)
 {
@@ -57,9 +38,9 @@ void ObjectGraphView::paintEvent(QPaintEvent *)
         boundsStale = false;
     }
     QPainter painter(viewport());
-    const PaintContext context{
-        painter, QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value()), width(),
-        height()};
+    const PaintContext context{painter,
+                               QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value()),
+                               width(), height()};
     paintBackground(context);
     paintLinks(context);
     // A listener that paints over an icon may change the view: nodes come and go under way.
@@ -87,69 +68,6 @@ void ObjectGraphView::paintBackground(PaintContext const &context)
     context.painter.fillRect(0, 0, context.width, context.height, gradient);
 }
 
-/// Slanted pieces are smoothed; upright ones stay sharp, since the lines run through the middle of
-/// their pixels.
-void ObjectGraphView::paintLinks(PaintContext const &context)
-{
-    context.painter.save();
-    context.painter.setRenderHint(QPainter::Antialiasing);
-    context.painter.translate(0.5, 0.5);
-    for (auto const &[obj, slot] : nodes)
-        if (slot.node->visible)
-            paintOutLinks(context, *slot.node);
-    context.painter.restore();
-}
-
-void ObjectGraphView::paintOutLinks(PaintContext const &context, Node const &node)
-{
-    QPainter &painter = context.painter;
-    const QPoint source = context.centreOf(node);
-    const QPoint start = source + QPoint(0, node.bottomY);
-    const int half = iconSize / 2;
-    for (auto const &[far, entry] : node.linkedOut) {
-        if (!far->visible)
-            continue;
-        const QPoint target = context.centreOf(*far);
-        const QPoint end = target + QPoint(0, far->topY + iconSize);
-        const bool isBackLink = end.y() < start.y();
-        QPoint pen = start;
-        if (far.get() == &node) {
-            // A loop, round the right side only.
-            const int right = target.x() + node.width / 2 + margin;
-            const int below = start.y() + half;
-            const int above = target.y() + node.topY + half;
-            pen = drawRoute(painter, {start, start + QPoint(half, half), QPoint(right, below),
-                                      QPoint(right, above), QPoint(target.x() + half, above)});
-            painter.drawLine(pen, end);
-            continue;
-        }
-        if (isBackLink) {
-            const int left = start.x() - node.width / 2 - margin;
-            pen = drawRoute(painter, {start, start + QPoint(-half, half),
-                                      QPoint(left, start.y() + half),
-                                      QPoint(left, source.y() + node.topY + half)});
-        }
-        forEachIntermediate(entry, [&](Node const &station) {
-            const QPoint centre = context.centreOf(station);
-            QPoint enter = centre + QPoint(0, station.topY + iconSize);
-            QPoint leave = centre + QPoint(0, station.bottomY);
-            if (isBackLink)
-                std::swap(enter, leave);
-            pen = drawRoute(painter, {pen, enter, leave});
-        });
-        if (isBackLink) {
-            // KEPT: the heights are those of the source's bands and not of the target's. The two are
-            // the same for nodes of equal height, and hosts' pictures show this route.
-            const int right = target.x() + far->width / 2 + margin;
-            const int below = target.y() + half + node.bottomY;
-            const int above = target.y() + half + node.topY;
-            pen = drawRoute(painter, {pen, QPoint(right, below), QPoint(right, above),
-                                      QPoint(target.x() + half, above)});
-        }
-        painter.drawLine(pen, end);
-    }
-}
-
 void ObjectGraphView::paintNode(PaintContext const &context, Node &node)
 {
     QPainter &painter = context.painter;
@@ -161,8 +79,8 @@ void ObjectGraphView::paintNode(PaintContext const &context, Node &node)
 
     if (node.isIntermediate()) {
         // KEPT: the line stands half a node height above the points of the links, since its offsets
-        // are added to the node's top and not to its centre. Whoever paints a station by itself gets
-        // the line there.
+        // are added to the node's top and not to its centre. Whoever paints a station by itself
+        // gets the line there.
         painter.drawLine(left, top + node.topY + iconSize, left, top + node.bottomY);
         return;
     }
@@ -186,8 +104,7 @@ void ObjectGraphView::paintNode(PaintContext const &context, Node &node)
     }
     const QPoint text = centre + QPoint(node.textX, node.textY);
     if (!context.isOffScreen(text.x(), text.y(), node.textWidth, node.textHeight))
-        painter.drawText(text.x(), text.y(), node.textWidth, node.textHeight, 0,
-                         node.watch->label);
+        painter.drawText(text.x(), text.y(), node.textWidth, node.textHeight, 0, node.watch->label);
 
     if (node.hiddenIn)
         paintArrow(context, centre.x() + node.arrowX, centre.y() + node.topY + iconSize, -90);
@@ -237,8 +154,8 @@ bool ObjectGraphView::getVisibleBound(int &left, int &top, int &right, int &bott
     return getVisibleBound(all, left, top, right, bottom);
 }
 
-bool ObjectGraphView::getVisibleBound(std::vector<RefT<Node>> const &boundNodes, int &left, int &top,
-                                      int &right, int &bottom) const
+bool ObjectGraphView::getVisibleBound(std::vector<RefT<Node>> const &boundNodes, int &left,
+                                      int &top, int &right, int &bottom) const
 {
     bool any = false;
     for (RefT<Node> const &node : boundNodes) {

@@ -68,17 +68,38 @@ NetworkSimplex::Candidate NetworkSimplex::searchSubtree(Side const &side, Cut co
     Candidate best{std::numeric_limits<int>::max(), none};
 
     VertexId *lastSeen = smallSide.data();
+    const auto enter = [&](VertexId v) {
+        tree.mark(v) = inside;
+        *lastSeen++ = v;
+    };
+    // Answers whether the edge, which isn't in the tree, is good enough to end the walk.
+    const auto look = [&](VertexId v, Incident const &e) {
+        if (isBelow(e.far, cut.child))
+            return false;
+        const int edgeSlack = side.slack(v, e);
+        if (edgeSlack >= best.slack && best.edge != none)
+            return false;
+        best = {edgeSlack, e.edge};
+        return edgeSlack <= goodEnough;
+    };
+    // A leaf of the tree is looked at in passing: it has nothing below it.
+    const auto lookAtLeaf = [&](VertexId leaf) {
+        enter(leaf);
+        for (Incident const &e : side.along().at(leaf))
+            if (e.edge != tree.parentEdge(leaf) && look(leaf, e))
+                return true;
+        return false;
+    };
     Visit *visit = path.data();
     // Field by field: a whole Visit would be built elsewhere and copied, at twice the cost of a
     // step.
     const auto begin = [&](VertexId v) {
-        tree.mark(v) = inside;
-        *lastSeen++ = v;
+        enter(v);
         const auto along = side.along().at(v);
         visit->vertex = v;
+        visit->against = none;
         visit->nextAlong = along.first;
         visit->endAlong = along.last;
-        visit->against = none;
     };
     begin(cut.child);
     for (;;) {
@@ -87,15 +108,13 @@ NetworkSimplex::Candidate NetworkSimplex::searchSubtree(Side const &side, Cut co
         VertexId child = none;
         for (; child == none && visit->nextAlong != visit->endAlong; ++visit->nextAlong) {
             Incident const &e = *visit->nextAlong;
-            if (tree.parentEdge(e.far) == e.edge) {
+            if (tree.parentEdge(e.far) != e.edge) {
+                if (e.edge != parentEdge && look(v, e))
+                    return best;
+            } else if (tree.size(e.far) != 1) {
                 child = e.far;
-            } else if (parentEdge != e.edge && !isBelow(e.far, cut.child)) {
-                const int edgeSlack = side.slack(v, e);
-                if (edgeSlack < best.slack || best.edge == none) {
-                    best = {edgeSlack, e.edge};
-                    if (edgeSlack <= goodEnough)
-                        return best;
-                }
+            } else if (lookAtLeaf(e.far)) {
+                return best;
             }
         }
         while (child == none) {
@@ -104,8 +123,12 @@ NetworkSimplex::Candidate NetworkSimplex::searchSubtree(Side const &side, Cut co
             if (e == none)
                 break;
             visit->against = e;
-            if (e != parentEdge)
+            if (e == parentEdge)
+                continue;
+            if (tree.size(side.near(e)) != 1)
                 child = side.near(e);
+            else if (lookAtLeaf(side.near(e)))
+                return best;
         }
         if (child != none) {
             ++visit;
