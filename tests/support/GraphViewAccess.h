@@ -5,6 +5,7 @@
 #include "zrVOMGUI/graph/ObjectGraphView.h"
 #include "zrVOMGUI/graph/private/Node.h"
 
+#include <QPoint>
 #include <QTimer>
 
 namespace ZR::VOM::GUI {
@@ -30,6 +31,11 @@ struct GraphViewAccess {
     static QTimer &scrollTimer(ObjectGraphView &view) { return view.scrollTimer; }
     static Time &animStart(ObjectGraphView &view) { return view.animStart; }
     static Time &scrollStart(ObjectGraphView &view) { return view.scrollStart; }
+    static QPoint scrollFrom(ObjectGraphView const &view)
+    {
+        return {view.scrollFromX, view.scrollFromY};
+    }
+    static QPoint scrollTo(ObjectGraphView const &view) { return {view.scrollToX, view.scrollToY}; }
     static int xSpacing(ObjectGraphView const &view) { return view.xSpacing; }
     static int ySpacing(ObjectGraphView const &view) { return view.ySpacing; }
     static int iconSize(ObjectGraphView const &view) { return view.iconSize; }
@@ -43,7 +49,8 @@ struct GraphViewAccess {
     {
         view.unlink(from, to, count);
     }
-    static std::vector<RefT<Node>> split(ObjectGraphView &view, Node &from, Node &to, unsigned count)
+    static std::vector<RefT<Node>> split(ObjectGraphView &view, Node &from, Node &to,
+                                         unsigned count)
     {
         return view.split(from, to, count);
     }
@@ -51,10 +58,32 @@ struct GraphViewAccess {
     static void layout(ObjectGraphView &view, RefT<Node> const &anchor) { view.layout(anchor); }
     static void updateSize(ObjectGraphView &view, Node &node) { view.updateSize(node); }
     static void updateLinks(ObjectGraphView &view) { view.updateLinks(); }
-    static bool getVisibleBound(ObjectGraphView &view, std::vector<RefT<Node>> const &nodes, int &left,
-                                int &top, int &right, int &bottom)
+    static bool getVisibleBound(ObjectGraphView &view, std::vector<RefT<Node>> const &nodes,
+                                int &left, int &top, int &right, int &bottom)
     {
         return view.getVisibleBound(nodes, left, top, right, bottom);
+    }
+
+    static void updateScrollbars(ObjectGraphView &view) { view.updateScrollbars(); }
+    static void startScrolling(ObjectGraphView &view, int x, int y) { view.startScrolling(x, y); }
+    static void paintNode(ObjectGraphView &view, QPainter &painter, QPoint scroll, Node &node)
+    {
+        view.paintNode({painter, scroll, view.width(), view.height()}, node);
+    }
+    static void paintLinks(ObjectGraphView &view, QPainter &painter, QPoint scroll)
+    {
+        view.paintLinks({painter, scroll, view.width(), view.height()});
+    }
+    /// The points that a link is drawn through. Empty when there is no such link.
+    static QPolygon route(ObjectGraphView &view, QPoint scroll, Node &from, Node &to)
+    {
+        QPolygon route;
+        QPainter painter;
+        const auto link = from.linkedOut.find(Graph::keyOf(to));
+        if (link != from.linkedOut.end())
+            view.layRoute({painter, scroll, view.width(), view.height()}, from, to, link->second,
+                          route);
+        return route;
     }
 };
 
