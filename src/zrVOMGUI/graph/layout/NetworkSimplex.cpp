@@ -108,8 +108,7 @@ void NetworkSimplex::update(Cut const &cut, Candidate entering)
     addAlongPath(head, ancestor, cutValue, false);
     cutValues[entering.edge] = -cutValue;
     cutValues[cut.edge] = 0;
-    tree.exchange(cut.edge, ends(cut.edge), entering.edge, ends(entering.edge),
-                  cut.childIsHead ? tail : head);
+    tree.exchange(cut.edge, entering.edge, ends(entering.edge), cut.childIsHead ? tail : head);
     cutValueIndex.set(tree.place(entering.edge), -cutValue);
 }
 
@@ -138,7 +137,7 @@ void NetworkSimplex::addAlongPath(VertexId from, VertexId ancestor, int cutValue
 {
     for (VertexId v = from; v != ancestor; v = tree.parent(v)) {
         const EdgeId e = tree.parentEdge(v);
-        cutValues[e] += (v == edges[e].tail) == direction ? cutValue : -cutValue;
+        cutValues[e] += (v == tree.tail(e)) == direction ? cutValue : -cutValue;
         cutValueIndex.set(tree.place(e), cutValues[e]);
     }
 }

@@ -148,7 +148,13 @@ private:
     template <class Side>
     EdgeId firstMet(Side const &side, Cut const &cut, std::vector<EdgeId> const &candidates);
     void collectRest(Cut const &cut);
-    bool isBelow(VertexId vertex, VertexId subtreeRoot);
+    /// Whether a vertex is in the subtree that is being searched.
+    bool isBelow(VertexId vertex, VertexId subtreeRoot)
+    {
+        const unsigned mark = tree.mark(vertex);
+        return mark == inside || (mark != outside && climbsTo(subtreeRoot, vertex));
+    }
+    bool climbsTo(VertexId subtreeRoot, VertexId vertex);
 
     void update(Cut const &cut, Candidate entering);
     bool movesWholeTree(Cut const &cut) const;

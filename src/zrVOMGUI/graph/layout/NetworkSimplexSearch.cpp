@@ -14,6 +14,7 @@ struct NetworkSimplex::OutSide {
     Incidence const &along() const { return s.outEdges; }
     Incidence const &alongFromRest() const { return s.inEdges; }
     VertexId near(EdgeId e) const { return s.edges[e].tail; }
+    VertexId nearOfTreeEdge(EdgeId e) const { return s.tree.tail(e); }
     int slack(VertexId v, Incident const &e) const { return s.slack(v, e.far, e.minLength); }
     int slackFromRest(VertexId v, Incident const &e) const
     {
@@ -29,6 +30,7 @@ struct NetworkSimplex::InSide {
     Incidence const &along() const { return s.inEdges; }
     Incidence const &alongFromRest() const { return s.outEdges; }
     VertexId near(EdgeId e) const { return s.edges[e].head; }
+    VertexId nearOfTreeEdge(EdgeId e) const { return s.tree.head(e); }
     int slack(VertexId v, Incident const &e) const { return s.slack(e.far, v, e.minLength); }
     int slackFromRest(VertexId v, Incident const &e) const
     {
@@ -90,6 +92,7 @@ NetworkSimplex::Candidate NetworkSimplex::searchSubtree(Side const &side, Cut co
                 return true;
         return false;
     };
+    std::size_t depth = 0;
     Visit *visit = path.data();
     // Field by field: a whole Visit would be built elsewhere and copied, at twice the cost of a
     // step.
@@ -125,18 +128,21 @@ NetworkSimplex::Candidate NetworkSimplex::searchSubtree(Side const &side, Cut co
             visit->against = e;
             if (e == parentEdge)
                 continue;
-            if (tree.size(side.near(e)) != 1)
-                child = side.near(e);
-            else if (lookAtLeaf(side.near(e)))
+            const VertexId below = side.nearOfTreeEdge(e);
+            if (tree.size(below) != 1)
+                child = below;
+            else if (lookAtLeaf(below))
                 return best;
         }
         if (child != none) {
-            ++visit;
+            if (++depth == path.size())
+                path.resize(2 * depth);
+            visit = &path[depth];
             begin(child);
-        } else if (visit == path.data()) {
+        } else if (depth == 0) {
             break;
         } else {
-            --visit;
+            visit = &path[--depth];
         }
     }
     smallSideSize = static_cast<unsigned>(lastSeen - smallSide.data());
@@ -192,9 +198,9 @@ void NetworkSimplex::collectRest(Cut const &cut)
     for (unsigned i = 0; i < smallSideSize; ++i) {
         const VertexId v = smallSide[i];
         for (EdgeId e = tree.firstOut(v); e != none; e = tree.nextOut(e))
-            enter(edges[e].head);
+            enter(tree.head(e));
         for (EdgeId e = tree.firstIn(v); e != none; e = tree.nextIn(e))
-            enter(edges[e].tail);
+            enter(tree.tail(e));
     }
 }
 
@@ -226,11 +232,10 @@ NetworkSimplex::EdgeId NetworkSimplex::firstMet(Side const &side, Cut const &cut
     return firstBranch[v].edge;
 }
 
-/// Whether a vertex is in the subtree. What is found out on the way is kept for the same search.
-bool NetworkSimplex::isBelow(VertexId vertex, VertexId subtreeRoot)
+/// As isBelow(), for a vertex of which this search doesn't know the side. What is found out on the
+/// way is kept for the same search.
+bool NetworkSimplex::climbsTo(VertexId subtreeRoot, VertexId vertex)
 {
-    if (tree.mark(vertex) == inside)
-        return true;
     VertexId known = vertex;
     bool below = false;
     for (;; known = tree.parent(known)) {

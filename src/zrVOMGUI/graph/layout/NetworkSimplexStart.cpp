@@ -200,7 +200,7 @@ void NetworkSimplex::plantTree(std::vector<EdgeId> const &treeEdges)
     for (EdgeId e : treeEdges)
         tree.append(e, ends(e));
     setCutValues(tree.root());
-    path.resize(vertexCount);
+    path.resize(1);
     smallSide.resize(vertexCount);
     firstBranch.resize(vertexCount);
 }

@@ -10,14 +10,12 @@ SpanningTree::SpanningTree(unsigned numVertices, unsigned numEdges)
     , edges(numEdges)
 {
     edgeOfPlace.reserve(numVertices);
-    endsOfPlace.reserve(numVertices);
 }
 
 void SpanningTree::append(unsigned edge, Ends ends)
 {
     edges[edge].place = static_cast<unsigned>(edgeOfPlace.size());
     edgeOfPlace.push_back(edge);
-    endsOfPlace.push_back(ends);
     enterLists(edge, ends);
 }
 
@@ -37,19 +35,18 @@ std::vector<unsigned> SpanningTree::root()
             order.push_back(child);
         };
         for (unsigned e = firstOut(v); e != none; e = nextOut(e))
-            adopt(e, endsOfPlace[place(e)].head);
+            adopt(e, head(e));
         for (unsigned e = firstIn(v); e != none; e = nextIn(e))
-            adopt(e, endsOfPlace[place(e)].tail);
+            adopt(e, tail(e));
     }
     for (std::size_t i = order.size(); i-- > 1;)
         vertices[vertices[order[i]].parent].size += vertices[order[i]].size;
-    std::vector<Ends>().swap(endsOfPlace);
     return order;
 }
 
-void SpanningTree::exchange(unsigned leaving, Ends leavingEnds, unsigned entering,
-                            Ends enteringEnds, unsigned lower)
+void SpanningTree::exchange(unsigned leaving, unsigned entering, Ends enteringEnds, unsigned lower)
 {
+    const Ends leavingEnds = edges[leaving].ends;
     const bool tailWasBelow = parentEdge(leavingEnds.tail) == leaving;
     const unsigned oldRoot = tailWasBelow ? leavingEnds.tail : leavingEnds.head;
     const unsigned oldParent = tailWasBelow ? leavingEnds.head : leavingEnds.tail;
@@ -75,7 +72,7 @@ void SpanningTree::exchange(unsigned leaving, Ends leavingEnds, unsigned enterin
 
     edges[entering].place = std::exchange(edges[leaving].place, none);
     edgeOfPlace[edges[entering].place] = entering;
-    leaveLists(leaving, leavingEnds);
+    leaveLists(leaving);
     enterLists(entering, enteringEnds);
 }
 
@@ -94,15 +91,16 @@ void SpanningTree::resizeUpTo(unsigned from, unsigned ancestor, unsigned growth)
 
 void SpanningTree::enterLists(unsigned edge, Ends ends)
 {
+    edges[edge].ends = ends;
     edges[edge].age = nextAge++;
     pushBack<&Edge::out>(vertices[ends.tail].out, edge);
     pushBack<&Edge::in>(vertices[ends.head].in, edge);
 }
 
-void SpanningTree::leaveLists(unsigned edge, Ends ends)
+void SpanningTree::leaveLists(unsigned edge)
 {
-    erase<&Edge::out>(vertices[ends.tail].out, edge);
-    erase<&Edge::in>(vertices[ends.head].in, edge);
+    erase<&Edge::out>(vertices[tail(edge)].out, edge);
+    erase<&Edge::in>(vertices[head(edge)].in, edge);
 }
 
 template <SpanningTree::Neighbours SpanningTree::Edge::*side>

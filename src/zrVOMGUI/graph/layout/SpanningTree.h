@@ -22,7 +22,7 @@ public:
         unsigned tail, head;
     };
 
-    /// An empty tree; `ends` of all edges of the graph, by edge id, must outlive it.
+    /// An empty tree.
     SpanningTree(unsigned numVertices, unsigned numEdges);
 
     /// Takes an edge in. For growing the tree, before root().
@@ -33,8 +33,7 @@ public:
 
     /// Puts `entering` in the place of `leaving`. The new edge joins the two sides that the old one
     /// joined; its end in the subtree below the old one is `lower`.
-    void exchange(unsigned leaving, Ends leavingEnds, unsigned entering, Ends enteringEnds,
-                  unsigned lower);
+    void exchange(unsigned leaving, unsigned entering, Ends enteringEnds, unsigned lower);
 
     unsigned numVertices() const { return static_cast<unsigned>(vertices.size()); }
     unsigned parent(unsigned vertex) const { return vertices[vertex].parent; }
@@ -49,11 +48,15 @@ public:
     unsigned edgeAt(unsigned place) const { return edgeOfPlace[place]; }
     std::vector<unsigned> const &allEdges() const { return edgeOfPlace; }
 
+    /// The ends of a tree edge.
+    unsigned tail(unsigned edge) const { return edges[edge].ends.tail; }
+    unsigned head(unsigned edge) const { return edges[edge].ends.head; }
     /// The tree edges that arrive at or leave from a vertex, oldest first.
     unsigned firstIn(unsigned vertex) const { return vertices[vertex].in.first; }
     unsigned nextIn(unsigned edge) const { return edges[edge].in.next; }
     unsigned firstOut(unsigned vertex) const { return vertices[vertex].out.first; }
     unsigned nextOut(unsigned edge) const { return edges[edge].out.next; }
+    /// Whether the vertex has one tree edge at most.
     bool isLeaf(unsigned vertex) const;
 
     /// A place for a walk to note something at a vertex it looks at anyway.
@@ -85,13 +88,14 @@ private:
         List in, out;
     };
     struct Edge {
+        Ends ends{none, none};
         unsigned place = none;
         unsigned age = 0;
         Neighbours in, out;
     };
 
     void enterLists(unsigned edge, Ends ends);
-    void leaveLists(unsigned edge, Ends ends);
+    void leaveLists(unsigned edge);
     template <Neighbours Edge::*side>
     void pushBack(List &list, unsigned edge);
     template <Neighbours Edge::*side>
@@ -101,7 +105,6 @@ private:
     std::vector<Vertex> vertices;
     std::vector<Edge> edges;
     std::vector<unsigned> edgeOfPlace;
-    std::vector<Ends> endsOfPlace; // Only until root().
     unsigned nextAge = 0;
 };
 
