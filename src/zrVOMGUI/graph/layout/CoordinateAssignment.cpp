@@ -32,6 +32,7 @@ void Hierarchy::solveX()
     for (Node *node : nodes)
         geometry.measure(*node);
     NetworkSimplex simplex;
+    simplex.reserve(2 * links.size() + nodes.size() - layers.size());
     for (std::size_t i = 0; i < nodes.size(); ++i)
         simplex.addVertex();
     for (Link link : links) {

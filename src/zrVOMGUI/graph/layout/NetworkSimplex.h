@@ -41,6 +41,8 @@ public:
     using EdgeId = unsigned;
     static constexpr unsigned none = std::numeric_limits<unsigned>::max();
 
+    /// Makes room for edges, where their number is known.
+    void reserve(std::size_t numEdges) { edges.reserve(numEdges); }
     /// Ids run from 0.
     VertexId addVertex() { return vertexCount++; }
     /// Ids run from 0. Tail and head differ.
@@ -101,11 +103,23 @@ private:
     /// A way on from a vertex in a walk through a subtree: first the edges along, by id, be they of
     /// the tree or not, and then the tree edges against, by age.
     struct Branch {
-        unsigned search = 0; // In which it was stored.
-        bool isAgainst = false;
+        unsigned search : 31; // In which it was stored.
+        unsigned isAgainst : 1;
         unsigned key = 0;
         EdgeId edge = none;
 
+        Branch()
+            : search(0)
+            , isAgainst(0)
+        {
+        }
+        Branch(unsigned ofSearch, bool against, unsigned branchKey, EdgeId branchEdge)
+            : search(ofSearch & 0x7fffffff)
+            , isAgainst(against)
+            , key(branchKey)
+            , edge(branchEdge)
+        {
+        }
         bool comesBefore(Branch const &other) const
         {
             return isAgainst != other.isAgainst ? other.isAgainst : key < other.key;

@@ -217,7 +217,7 @@ NetworkSimplex::EdgeId NetworkSimplex::firstMet(Side const &side, Cut const &cut
         VertexId v = side.near(candidate);
         for (EdgeId edge = candidate;; edge = tree.parentEdge(v), v = tree.parent(v)) {
             const bool isAgainst = side.near(edge) != v;
-            const Branch branch{branchSearch, isAgainst, isAgainst ? tree.age(edge) : edge, edge};
+            const Branch branch(branchSearch, isAgainst, isAgainst ? tree.age(edge) : edge, edge);
             Branch &first = firstBranch[v];
             const bool isNew = first.search != branchSearch;
             if (isNew || branch.comesBefore(first))

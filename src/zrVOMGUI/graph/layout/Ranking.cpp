@@ -30,6 +30,7 @@ void Hierarchy::solveRanks()
 {
     const StageTimer timer(figures.ranksTime);
     NetworkSimplex simplex;
+    simplex.reserve(links.size());
     for (std::size_t i = 0; i < nodes.size(); ++i)
         simplex.addVertex();
     for (Link link : links)
