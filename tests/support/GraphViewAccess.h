@@ -4,6 +4,7 @@
 
 #include "zrVOMGUI/graph/ObjectGraphView.h"
 #include "zrVOMGUI/graph/private/Node.h"
+#include "zrVOMGUI/graph/private/PaintContext.h"
 
 #include <QPoint>
 #include <QTimer>
