@@ -94,15 +94,15 @@ private:
 class Flags {
 public:
     explicit Flags(unsigned initialFlags = 0)
-        : flags(initialFlags)
+        : word(initialFlags)
     {
     }
 
-    unsigned getFlags() const { return flags; }
-    void setFlags(unsigned newFlags) { flags = newFlags; }
+    unsigned getFlags() const { return word; }
+    void setFlags(unsigned newFlags) { word = newFlags; }
 
 private:
-    unsigned flags;
+    unsigned word;
 };
 
 } // namespace ZR

@@ -3,6 +3,7 @@
 #include "zrVOMGUI/foundation/vom/MField.h"
 
 #include <unordered_set>
+#include <utility>
 
 namespace ZR::VOM {
 
@@ -12,7 +13,9 @@ namespace {
 std::string const &sharedName(char const *name)
 {
     static std::unordered_set<std::string> *const names = new std::unordered_set<std::string>;
-    return *names->emplace(name ? name : "").first;
+    std::string text(name ? name : "");
+    const auto known = names->find(text);
+    return known != names->end() ? *known : *names->insert(std::move(text)).first;
 }
 
 } // namespace
@@ -46,7 +49,7 @@ Field::~Field() = default;
 
 void Field::reg()
 {
-    owner->addField(*this);
+    owner->enterField(*this);
 }
 
 MField::~MField() = default;

@@ -70,7 +70,7 @@ PtrT<Field> Object::findField(std::string const &name) const
     return index < getNumFields() ? PtrT<Field>(fields[index]) : PtrT<Field>();
 }
 
-void Object::addField(Field &field)
+void Object::enterField(Field &field)
 {
     // Objects have few fields and there are many objects: no spare places at first.
     constexpr std::size_t fewFields = 8;
@@ -86,7 +86,7 @@ void Object::announceLost() noexcept
 {
     // All links leave the list before anyone hears of it: a listener may drop further links. A list
     // that holds the object more than once hears it once.
-    std::vector<RefT<Field>> losers;
+    std::vector<PtrT<Field>> losers;
     std::unordered_set<Field const *> seen;
     while (LostWatch *const watch = lostWatches) {
         if (seen.insert(watch->field).second)
@@ -95,9 +95,9 @@ void Object::announceLost() noexcept
     }
     // The head of the list is the youngest link; the eldest hears it first.
     std::reverse(losers.begin(), losers.end());
-    for (RefT<Field> const &field : losers) {
+    for (PtrT<Field> const &field : losers) {
         constexpr char where[] = "ZR::VOM::Object::sigLost";
-        // A field that no reference owns may be gone by now.
+        // A listener may have removed it.
         if (!field)
             continue;
         if (auto *const list = cast<MFieldBaseT<MFieldPtr::Traits>>(field)) {

@@ -70,7 +70,7 @@ private:
 
     Object &operator=(Object const &) = delete;
 
-    void addField(Field &field);
+    void enterField(Field &field);
     void announceLost() noexcept;
 
     std::vector<RefT<Field>> fields;
