@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <string>
 
 namespace ZR::VOM::GUI::Graph {
 
@@ -214,9 +215,9 @@ private:
     std::string result;
 };
 
-std::string LayoutOracle::difference(RefT<Node> const &anchor) const
+QString LayoutOracle::difference(RefT<Node> const &anchor) const
 {
-    return Comparison(*this).run(anchor);
+    return QString::fromStdString(Comparison(*this).run(anchor));
 }
 
 } // namespace ZR::VOM::GUI::Graph

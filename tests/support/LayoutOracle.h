@@ -4,7 +4,6 @@
 #include "zrVOMGUI/graph/private/Node.h"
 
 #include <map>
-#include <string>
 #include <vector>
 
 namespace ZR::VOM::GUI::Graph {
@@ -13,7 +12,7 @@ namespace ZR::VOM::GUI::Graph {
 ///
 ///     LayoutOracle oracle(view);           // takes down how things stand
 ///     view.layout();
-///     QCOMPARE(oracle.difference(), std::string());
+///     QCOMPARE(oracle.difference(), QString());
 ///
 /// The literal layout gets the addresses of the library's intermediate nodes: these are part of the
 /// order from which the layout's choices descend, and differ from run to run.
@@ -24,7 +23,7 @@ public:
     /// The first difference between how the view stands now and what the literal layout makes of
     /// what was taken down; empty when there is none. `anchor` is the node that the layout held in
     /// place, if one was given; which nodes are visible is taken from the view now.
-    std::string difference(RefT<Node> const &anchor = {}) const;
+    QString difference(RefT<Node> const &anchor = {}) const;
 
 private:
     struct LinkBefore {

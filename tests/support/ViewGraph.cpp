@@ -3,6 +3,7 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <tuple>
 
 namespace ZR::VOM::GUI {
 
@@ -57,7 +58,46 @@ unsigned ViewGraph::count(unsigned from, unsigned to) const
     return outCount;
 }
 
-std::string ViewGraph::links() const
+void ViewGraph::setTextSize(unsigned index, int width, int height) const
+{
+    node(index).textWidth = width;
+    node(index).textHeight = height;
+    node(index).sizeDirty = false;
+}
+
+void ViewGraph::setWidth(unsigned index, int width) const
+{
+    const int around = 3 * GraphViewAccess::margin(view) + GraphViewAccess::iconSize(view);
+    setTextSize(index, width - around, 0);
+}
+
+QString ViewGraph::layers() const
+{
+    using Place = std::tuple<int, bool, int, std::string>;
+    std::vector<Place> places;
+    const auto add = [&](Node const &placed, std::string const &name) {
+        places.emplace_back(placed.toY, placed.isIntermediate(), placed.toX, name);
+    };
+    for (unsigned i = 0; i < numNodes(); ++i) {
+        if (!node(i).visible)
+            continue;
+        add(node(i), std::to_string(i));
+        for (auto const &[far, entry] : node(i).linkedOut)
+            Graph::forEachIntermediate(entry, [&](Node const &station) { add(station, "*"); });
+    }
+    std::sort(places.begin(), places.end());
+    std::string text;
+    int layer = 0;
+    for (auto const &[y, isIntermediate, x, name] : places) {
+        if (!text.empty())
+            text += y == layer ? ' ' : '|';
+        text += name;
+        layer = y;
+    }
+    return QString::fromStdString(text);
+}
+
+QString ViewGraph::links() const
 {
     std::string text;
     for (unsigned from = 0; from < numNodes(); ++from) {
@@ -70,7 +110,7 @@ std::string ViewGraph::links() const
                 text += 'x' + std::to_string(num);
         }
     }
-    return text;
+    return QString::fromStdString(text);
 }
 
 } // namespace ZR::VOM::GUI

@@ -33,11 +33,20 @@ public:
     /// How many references the link stands for; 0 when there is none. Fails the running test when
     /// its two ends disagree.
     unsigned count(unsigned from, unsigned to) const;
+    /// Lets the node measure as if its label had this size.
+    void setTextSize(unsigned node, int width, int height) const;
+    /// Lets the node have this width and the least height.
+    void setWidth(unsigned node, int width) const;
+
+    /// Where the last layout put the nodes of a single component, as text such as "0 1|2 *|3": from
+    /// layer to layer, and from left to right. Intermediate nodes are stars at the end of their
+    /// layer: their own places hang on their addresses.
+    QString layers() const;
     /// All links as text, such as "0>1 0>2x3": from, to and the number of references.
-    std::string links() const;
+    QString links() const;
 
     GraphModel model;
-    ObjectGraphView view;
+    ObjectGraphView view; // After the model: its nodes go first.
 
 private:
     std::vector<PtrT<Node>> nodes;

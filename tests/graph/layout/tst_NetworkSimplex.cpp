@@ -204,7 +204,6 @@ bool movesTheWholeTree(LiteralNetworkSimplex const &simplex,
 } // namespace
 
 Q_DECLARE_METATYPE(Problem)
-Q_DECLARE_METATYPE(std::vector<int>)
 
 class tst_NetworkSimplex : public QObject {
     Q_OBJECT
