@@ -2,6 +2,8 @@
 #include "PackageModel.h"
 #include "Shots.h"
 
+#include <zrVOMGUI/foundation/gui/QtVersion.h>
+
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QFile>
@@ -95,8 +97,7 @@ int shoot(int argc, char **argv, Arguments const &arguments)
 
 int openWindow(int argc, char **argv, Arguments const &arguments)
 {
-    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    ZR::GUI::enableHighDpi();
     QApplication::setStyle("fusion");
     const QApplication application(argc, argv);
 

@@ -1,0 +1,23 @@
+#pragma once
+
+// What differs between Qt versions.
+
+#include <QCoreApplication>
+
+#if QT_VERSION < QT_VERSION_CHECK(5, 15, 0)
+#error "zrVOMGUI needs Qt 5.15"
+#endif
+
+namespace ZR::GUI {
+
+/// Follows the screen's scale factor, with icons in its full resolution. Call before the
+/// application object is made. From Qt 6 on that is so without it.
+inline void enableHighDpi()
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
+}
+
+} // namespace ZR::GUI
