@@ -126,6 +126,14 @@ QString baseNameOf(QString const &path)
     return QFileInfo(path).completeBaseName();
 }
 
+// The network simplex, and what it is made of.
+bool isSolver(QString const &path)
+{
+    static const QRegularExpression solver(
+        "^graph/layout/(NetworkSimplex|SpanningTree|CutValueIndex)");
+    return solver.match(path).hasMatch();
+}
+
 // The rule that the include of a header of this project breaks, or nothing.
 QString brokenByOwn(QString const &path, QString const &other)
 {
@@ -139,7 +147,7 @@ QString brokenByOwn(QString const &path, QString const &other)
         return "what is private serves its own room alone";
     if (isPrivate(other) && path.endsWith(".h") && !isPrivate(path))
         return "a public header may not include a private one";
-    if (baseNameOf(path) == "NetworkSimplex" && baseNameOf(other) != "NetworkSimplex")
+    if (isSolver(path) && !isSolver(other) && otherRoom != "foundation/util")
         return "NetworkSimplex knows only flat vertices and edges";
     if (room == "graph" && baseNameOf(path) != "LayoutDriver" && isLayoutStage(other))
         return "in graph only LayoutDriver knows the layout's stages";
@@ -163,7 +171,7 @@ QString brokenByQt(QString const &path, QString const &name, QString const &modu
             return "the layout engine uses no widgets";
         if (drawsOrWaits(name))
             return "the layout engine knows no painter, event or timer";
-        if (baseNameOf(path) == "NetworkSimplex")
+        if (isSolver(path))
             return "NetworkSimplex knows only flat vertices and edges";
     }
     if (module != "QtCore" && module != "QtGui" && module != "QtWidgets")

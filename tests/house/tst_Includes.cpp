@@ -134,6 +134,8 @@ void tst_Includes::forbiddenIncludesAreFound_data()
         "no painter, event or timer");
     row("solver knows nodes", "graph/layout/NetworkSimplex.cpp",
         "\"zrVOMGUI/graph/private/Node.h\"", "flat vertices and edges");
+    row("solver's tree knows nodes", "graph/layout/SpanningTree.h",
+        "\"zrVOMGUI/graph/private/Node.h\"", "flat vertices and edges");
     row("solver knows Qt", "graph/layout/NetworkSimplex.h", "<QVector>", "flat vertices and edges");
     row("painting knows a stage", "graph/Painting.cpp", "\"zrVOMGUI/graph/layout/Hierarchy.h\"",
         "only LayoutDriver");
@@ -210,6 +212,10 @@ void tst_Includes::allowedIncludesPass_data()
     row("engine has pictures and text", "graph/layout/Hierarchy.h", "<QPixmap>");
     row("solver knows itself", "graph/layout/NetworkSimplex.cpp",
         "\"zrVOMGUI/graph/layout/NetworkSimplex.h\"");
+    row("solver knows its tree", "graph/layout/NetworkSimplexSearch.cpp",
+        "\"zrVOMGUI/graph/layout/SpanningTree.h\"");
+    row("solver's index knows arithmetic", "graph/layout/CutValueIndex.cpp",
+        "\"zrVOMGUI/foundation/util/text.h\"");
     row("file includes its own moc", "trees/v1/ObjectTreeModel.cpp", "\"ObjectTreeModel.moc\"");
     row("trees know transfer in angle brackets", "trees/v1/ObjectTreeModel.cpp",
         "<zrVOMGUI/transfer/MimeData.h>");
