@@ -8,6 +8,8 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include <locale>
+
 using namespace ZR::VOM::GUI;
 using VOM::FieldInt;
 
@@ -43,6 +45,7 @@ private slots:
     void emptyFieldNameLooksNothingUp();
     void fieldIsLookedUpOnce();
     void labelFollowsTheField();
+    void addressHasNoGroupsOfDigits();
     void translationMovesTheParts();
     void translationOfOneRowLeavesTheOthers();
 };
@@ -226,6 +229,20 @@ void tst_ItemLabel::labelFollowsTheField()
     field->set("ruin");
     QCOMPARE(getItemLabel(object, field, false, false), std::string("'ruin'"));
     QCOMPARE(getItemLabel(object, "name", false, false), std::string("'ruin'"));
+}
+
+void tst_ItemLabel::addressHasNoGroupsOfDigits()
+{
+    struct Grouping : std::numpunct<char> {
+        std::string do_grouping() const override { return "\1"; }
+        char do_thousands_sep() const override { return '_'; }
+    };
+    const RefT<Model> object(new House);
+    const std::string expected = "@" + streamed(object);
+    const std::locale before = std::locale::global(std::locale(std::locale(), new Grouping));
+    const std::string label = getItemLabel(object, "", false, true);
+    std::locale::global(before);
+    QCOMPARE(label, expected);
 }
 
 void tst_ItemLabel::translationMovesTheParts()

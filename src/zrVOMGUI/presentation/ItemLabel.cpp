@@ -6,6 +6,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <locale>
 #include <sstream>
 
 namespace ZR::VOM::GUI {
@@ -41,6 +42,8 @@ char const *labelFormat(bool named, bool typeName, bool address)
 std::string addressText(Object const &object)
 {
     std::ostringstream stream;
+    // The user's locale plays no part, which may group digits.
+    stream.imbue(std::locale::classic());
     stream << static_cast<void const *>(&object);
     return stream.str();
 }
