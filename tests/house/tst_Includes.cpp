@@ -139,6 +139,8 @@ void tst_Includes::forbiddenIncludesAreFound_data()
     row("solver knows Qt", "graph/layout/NetworkSimplex.h", "<QVector>", "flat vertices and edges");
     row("painting knows a stage", "graph/Painting.cpp", "\"zrVOMGUI/graph/layout/Hierarchy.h\"",
         "only LayoutDriver");
+    row("animation knows the solver's tree", "graph/Animation.cpp",
+        "\"zrVOMGUI/graph/layout/SpanningTree.h\"", "only LayoutDriver");
     row("public header includes a private one", "graph/ObjectGraphView.h",
         "\"zrVOMGUI/graph/private/Painting.h\"", "public header");
     row("public header includes a stage", "graph/ObjectGraphView.h",
