@@ -354,7 +354,8 @@ void tst_LostLinks::listenerMaySetTheField()
 void tst_LostLinks::listenerMayReplaceTheEntry()
 {
     RefT<Object> target = newObject();
-    auto &field = addField<MFieldPtr>(*object, "links", Ptrs{target, object, target});
+    const RefT<Object> other = newObject();
+    auto &field = addField<MFieldPtr>(*object, "links", Ptrs{target, other, target});
     int calls = 0;
     field.sigLost.connect([&](auto const &) {
         ++calls;
@@ -365,7 +366,7 @@ void tst_LostLinks::listenerMayReplaceTheEntry()
     target.reset();
     QCOMPARE(calls, 1);
     QCOMPARE(field.getNum(), std::size_t(1));
-    QCOMPARE(field.get(0).get(), object.get());
+    QCOMPARE(field.get(0).get(), other.get());
 }
 
 void tst_LostLinks::listenerMayRemoveItsField()
