@@ -1,12 +1,8 @@
+#include "graph/layout/Places.h"
 #include "support/LayoutOracle.h"
-#include "support/ViewGraph.h"
 
 #include <QDir>
-#include <QScrollBar>
 #include <QTimerEvent>
-#include <QtTest>
-
-#include <cmath>
 
 using namespace ZR;
 using namespace ZR::VOM::GUI;
@@ -15,43 +11,6 @@ using Graph::Node;
 using Links = std::vector<NumberedGraph::Link>;
 
 namespace {
-
-constexpr int gap = 8; // The view's xSpacing.
-
-int leftOf(Node const &node)
-{
-    return node.toX - node.width / 2;
-}
-
-int topOf(Node const &node)
-{
-    return node.toY - node.height / 2;
-}
-
-void place(ViewGraph &graph, unsigned node, int x, int y)
-{
-    QVERIFY(graph.view.setPos(graph.obj(node), x, y, false));
-}
-
-QPoint posOf(ViewGraph const &graph, unsigned node)
-{
-    return {graph.node(node).x, graph.node(node).y};
-}
-
-QPoint targetOf(ViewGraph const &graph, unsigned node)
-{
-    return {graph.node(node).toX, graph.node(node).toY};
-}
-
-/// Lets the view look at a part of its content, without a paint.
-void lookAt(ViewGraph &graph, QRect const &part)
-{
-    graph.view.resize(part.size());
-    graph.view.horizontalScrollBar()->setRange(-100000, 100000);
-    graph.view.horizontalScrollBar()->setValue(part.left());
-    graph.view.verticalScrollBar()->setRange(-100000, 100000);
-    graph.view.verticalScrollBar()->setValue(part.top());
-}
 
 /// All targets, relative to the first node's.
 std::vector<QPoint> shapeOf(ViewGraph const &graph)
@@ -87,27 +46,19 @@ private slots:
     void withoutVisibleNodesNothingChanges();
     void emptyViewLaysOut();
 
-    // What stays in place.
-    void nodesInSightAreTheAnchors_data();
-    void nodesInSightAreTheAnchors();
-    void sightIsAsLargeAsTheWidget();
-    void anchorsKeepTheirMean();
-    void meansAreTruncatedTowardsZero();
-    void withoutAnchorsTheDrawingBeginsAtTheOrigin();
-    void shownNodeIsHeldInPlace();
-    void lastNodeThatChangedIsHeldInPlace();
-    void hiddenAnchorHoldsNothing();
-
     // Where components go.
     void singleNodeStandsAtTheOrigin();
     void componentsStandInARowByAddress();
     void componentsStandWithTheirTopsAt0();
+    void componentsBeginWithTheirLeftmostEdges();
     void rowOfComponentsNeverWraps();
     void hiddenNodesSeparateComponents();
 
     // The start of the animation.
     void nodesStandWhereTheyStood();
     void chainsStandAtTheirStart();
+    void chainsGetOneTarget_data();
+    void chainsGetOneTarget();
     void timerStartsWhateverTheDuration_data();
     void timerStartsWhateverTheDuration();
     void placedNodesLoseTheirPlaces();
@@ -121,8 +72,6 @@ private slots:
     void shownAgainANodeIsLinkedByNewChains();
 
     // The whole.
-    void figuresCountTheWholeDrawing();
-    void figuresOfTheLastLayoutStand();
     void layoutTwiceGivesTheSame();
     void layoutTwiceGivesTheSameOfRealGraphs_data() { addGraphFiles(); }
     void layoutTwiceGivesTheSameOfRealGraphs();
@@ -176,142 +125,6 @@ void tst_Layout::emptyViewLaysOut()
     QCOMPARE(view.getLayoutFigures().components, 0u);
 }
 
-void tst_Layout::nodesInSightAreTheAnchors_data()
-{
-    QTest::addColumn<QPoint>("point");
-    QTest::addColumn<bool>("isAnchor");
-    // The part in sight begins at (-30, 40) and is 200 wide and 100 high.
-    QTest::newRow("inside") << QPoint(50, 90) << true;
-    QTest::newRow("top left corner") << QPoint(-30, 40) << true;
-    QTest::newRow("left of the left edge") << QPoint(-31, 90) << false;
-    QTest::newRow("above the top edge") << QPoint(50, 39) << false;
-    QTest::newRow("last column") << QPoint(169, 90) << true;
-    QTest::newRow("right edge") << QPoint(170, 90) << false;
-    QTest::newRow("last row") << QPoint(50, 139) << true;
-    QTest::newRow("bottom edge") << QPoint(50, 140) << false;
-}
-
-void tst_Layout::nodesInSightAreTheAnchors()
-{
-    QFETCH(QPoint, point);
-    QFETCH(bool, isAnchor);
-    ViewGraph graph(2, {{0, 1}});
-    graph.showWithoutLayout();
-    place(graph, 0, 5000, 5000);
-    place(graph, 1, point.x(), point.y());
-    lookAt(graph, QRect(-30, 40, 200, 100));
-    graph.view.layout();
-    QCOMPARE(targetOf(graph, 1) == point, isAnchor);
-    if (!isAnchor)
-        QCOMPARE(topOf(graph.node(0)), 0);
-}
-
-/// Scroll bars cover a part of the widget that counts as in sight.
-void tst_Layout::sightIsAsLargeAsTheWidget()
-{
-    ViewGraph graph(1);
-    graph.view.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    graph.view.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    graph.view.resize(300, 200);
-    graph.view.QWidget::setVisible(true);
-    QVERIFY(QTest::qWaitForWindowExposed(&graph.view));
-    QVERIFY(graph.view.viewport()->width() < 299);
-    graph.showWithoutLayout();
-    lookAt(graph, QRect(0, 0, 300, 200));
-    place(graph, 0, 299, 199);
-    graph.view.layout();
-    QCOMPARE(targetOf(graph, 0), QPoint(299, 199));
-}
-
-void tst_Layout::anchorsKeepTheirMean()
-{
-    ViewGraph graph(4, {{0, 1}, {0, 2}, {0, 3}});
-    graph.showWithoutLayout();
-    place(graph, 0, 100, 10);
-    place(graph, 1, 200, 20);
-    place(graph, 2, 331, 45);
-    place(graph, 3, 9000, 9000);
-    lookAt(graph, QRect(0, 0, 400, 300));
-    graph.view.layout();
-    const auto mean = [&](QPoint const &sum) { return QPoint(sum.x() / 3, sum.y() / 3); };
-    const QPoint sum = targetOf(graph, 0) + targetOf(graph, 1) + targetOf(graph, 2);
-    // Truncation may take up to 1 on the way from place to place.
-    QVERIFY((mean(sum) - QPoint(631 / 3, 75 / 3)).manhattanLength() <= 2);
-    QCOMPARE(shapeOf(graph)[1].y(), graph.node(0).height + gap);
-}
-
-void tst_Layout::meansAreTruncatedTowardsZero()
-{
-    // Two nodes of equal width stand at 8 + w/2 and 17 + 3w/2 before the shift.
-    ViewGraph graph(2);
-    graph.setWidth(0, 50);
-    graph.setWidth(1, 50);
-    graph.showWithoutLayout();
-    place(graph, 0, -1, -1);
-    place(graph, 1, -2, -4);
-    lookAt(graph, QRect(-10, -10, 20, 20));
-    graph.view.layout();
-    // The mean before is (-1, -2), not (-2, -3).
-    const int meanAfter = (33 + 92) / 2;
-    QCOMPARE(targetOf(graph, 0).x(), 33 - 1 - meanAfter);
-    QCOMPARE(targetOf(graph, 1).x(), 92 - 1 - meanAfter);
-    QCOMPARE(targetOf(graph, 0).y(), -2);
-    QCOMPARE(targetOf(graph, 1).y(), -2);
-}
-
-void tst_Layout::withoutAnchorsTheDrawingBeginsAtTheOrigin()
-{
-    ViewGraph graph(3, {{0, 1}, {0, 2}});
-    graph.showWithoutLayout();
-    for (unsigned i = 0; i < 3; ++i)
-        place(graph, i, -700 - static_cast<int>(i), 20);
-    lookAt(graph, QRect(0, 0, 300, 200));
-    graph.view.layout();
-    int left = leftOf(graph.node(0));
-    for (unsigned i = 1; i < 3; ++i)
-        left = std::min(left, leftOf(graph.node(i)));
-    QCOMPARE(left, gap);
-    QCOMPARE(topOf(graph.node(0)), 0);
-}
-
-void tst_Layout::shownNodeIsHeldInPlace()
-{
-    ViewGraph graph(3, {{0, 1}, {1, 2}});
-    place(graph, 1, -4321, 1234);
-    graph.show(1);
-    QCOMPARE(targetOf(graph, 1), QPoint(-4321, 1234));
-    graph.show(0);
-    QCOMPARE(targetOf(graph, 0), QPoint(0, 0));
-}
-
-void tst_Layout::lastNodeThatChangedIsHeldInPlace()
-{
-    ViewGraph graph(4, {{0, 1}, {1, 2}, {2, 3}});
-    graph.show(3);
-    for (unsigned i = 0; i < 4; ++i)
-        place(graph, i, static_cast<int>(1000 * i), static_cast<int>(100 * i));
-    // 3 comes last, but is visible already.
-    graph.view.setVisible({graph.obj(0), graph.obj(2), graph.obj(1), graph.obj(3)}, true);
-    QCOMPARE(targetOf(graph, 1), QPoint(1000, 100));
-    QVERIFY(targetOf(graph, 2) != QPoint(2000, 200));
-}
-
-/// Its mean is the same before and after.
-void tst_Layout::hiddenAnchorHoldsNothing()
-{
-    ViewGraph graph(2, {{0, 1}});
-    graph.node(0).visible = true;
-    place(graph, 0, 777, 77);
-    place(graph, 1, 500, 50);
-    graph.node(1).toX = 3;
-    GraphViewAccess::layout(graph.view, graph.ref(1));
-    QCOMPARE(leftOf(graph.node(0)), gap);
-    QCOMPARE(topOf(graph.node(0)), 0);
-    // And it isn't given a target.
-    QCOMPARE(posOf(graph, 1), QPoint(500, 50));
-    QCOMPARE(targetOf(graph, 1), QPoint(3, 50));
-}
-
 void tst_Layout::singleNodeStandsAtTheOrigin()
 {
     ViewGraph graph(1);
@@ -356,6 +169,20 @@ void tst_Layout::componentsStandWithTheirTopsAt0()
     QCOMPARE(topOf(graph.node(2)), 0);
     QVERIFY(topOf(graph.node(1)) > 0);
     QCOMPARE(topOf(graph.node(3)), 0);
+}
+
+/// Which needn't be that of a node in the first layer.
+void tst_Layout::componentsBeginWithTheirLeftmostEdges()
+{
+    ViewGraph graph(4, {{0, 1}, {2, 3}});
+    showOutOfSight(graph);
+    for (unsigned node : {0u, 2u})
+        graph.setWidth(node, 20);
+    for (unsigned node : {1u, 3u})
+        graph.setWidth(node, 200);
+    graph.view.layout();
+    QCOMPARE(graph.node(1).toX, gap + 100);
+    QCOMPARE(graph.node(3).toX, gap + 200 + 1 + gap + 100);
 }
 
 void tst_Layout::rowOfComponentsNeverWraps()
@@ -424,6 +251,30 @@ void tst_Layout::chainsStandAtTheirStart()
     // This link ran from 1 to 3 when it was split.
     QCOMPARE(chain[2]->x, 166);
     QCOMPARE(chain[2]->y, 66);
+}
+
+/// Met from both of its ends, a chain would be shifted twice.
+void tst_Layout::chainsGetOneTarget_data()
+{
+    QTest::addColumn<NumberedGraph::Link>("longLink");
+    QTest::newRow("link as it is") << NumberedGraph::Link{0, 2};
+    QTest::newRow("link that was turned") << NumberedGraph::Link{2, 0};
+}
+
+void tst_Layout::chainsGetOneTarget()
+{
+    QFETCH(NumberedGraph::Link, longLink);
+    ViewGraph graph(3, {{0, 1}, {1, 2}, longLink});
+    graph.showWithoutLayout();
+    for (unsigned i = 0; i < 3; ++i)
+        place(graph, i, 5000, 7000);
+    GraphViewAccess::layout(graph.view, graph.ref(0));
+    const auto chain = graph.chain(longLink.first, longLink.second);
+    QCOMPARE(chain.size(), std::size_t(1));
+    Node const &station = *chain.front();
+    QCOMPARE(station.toY, graph.node(1).toY);
+    QCOMPARE(std::abs(station.toX - graph.node(1).toX), graph.node(1).width / 2 + gap);
+    QCOMPARE(QPoint(station.x, station.y), QPoint(5000, 7000));
 }
 
 void tst_Layout::timerStartsWhateverTheDuration_data()
@@ -556,39 +407,6 @@ void tst_Layout::shownAgainANodeIsLinkedByNewChains()
     QVERIFY(graph.chain(0, 2).empty());
     graph.show(2);
     QCOMPARE(graph.layers(), QString("0|1 *|2"));
-}
-
-void tst_Layout::figuresCountTheWholeDrawing()
-{
-    // A triangle with a long link, a pair, one node alone, and a hidden one.
-    ViewGraph graph(7, {{0, 1}, {1, 2}, {0, 2}, {3, 4}, {6, 6}});
-    graph.view.setVisible(
-        {graph.obj(0), graph.obj(1), graph.obj(2), graph.obj(3), graph.obj(4), graph.obj(5)}, true);
-    LayoutFigures const &figures = graph.view.getLayoutFigures();
-    QCOMPARE(figures.nodes, 6u);
-    QCOMPARE(figures.splitNodes, 1u);
-    QCOMPARE(figures.components, 3u);
-    QCOMPARE(figures.layers, 3u);
-    QCOMPARE(figures.crossings, 0u);
-    QCOMPARE(figures.height, 3 * graph.node(0).height + 2 * gap);
-    for (double time : {figures.cyclesTime, figures.ranksTime, figures.splitTime, figures.orderTime,
-                        figures.coordsTime})
-        QVERIFY(time >= 0 && time < 60);
-    QVERIFY(figures.ranksTime > 0);
-    QVERIFY(figures.coordsTime > 0);
-}
-
-void tst_Layout::figuresOfTheLastLayoutStand()
-{
-    ViewGraph graph(3, {{0, 1}, {1, 2}});
-    QCOMPARE(graph.view.getLayoutFigures().nodes, 0u);
-    graph.show();
-    QCOMPARE(graph.view.getLayoutFigures().nodes, 3u);
-    graph.hide(2);
-    QCOMPARE(graph.view.getLayoutFigures().nodes, 3u);
-    graph.view.layout();
-    QCOMPARE(graph.view.getLayoutFigures().nodes, 2u);
-    QCOMPARE(graph.view.getLayoutFigures().layers, 2u);
 }
 
 void tst_Layout::layoutTwiceGivesTheSame()
