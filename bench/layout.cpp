@@ -169,6 +169,8 @@ bool measure(char const *file, Options const &options)
 
 int main(int argc, char **argv)
 {
+    // Nothing is to be seen, and there may be no display.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     Options options;
     if (!readOptions(argc, argv, options)) {

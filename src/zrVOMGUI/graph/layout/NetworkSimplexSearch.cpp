@@ -179,29 +179,36 @@ NetworkSimplex::Candidate NetworkSimplex::searchRest(Side const &side, Cut const
     return {best, wantsFirst && ties.size() > 1 ? firstMet(side, cut, ties) : ties.front()};
 }
 
-/// Collects and marks the vertices that aren't in the subtree.
+/// Collects and marks the vertices that aren't in the subtree: those on the way from the cut up to
+/// the root, and then all that hangs below them elsewhere.
 void NetworkSimplex::collectRest(Cut const &cut)
 {
     inside += 2;
     outside += 2;
-    smallSide[0] = cut.parent;
-    smallSideSize = 1;
-    tree.mark(cut.parent) = outside;
-    tree.mark(cut.child) = inside;
+    smallSideSize = 0;
     const auto enter = [this](VertexId v) {
-        unsigned &mark = tree.mark(v);
-        if (mark != outside && mark != inside) {
-            mark = outside;
-            smallSide[smallSideSize++] = v;
-        }
+        tree.mark(v) = outside;
+        smallSide[smallSideSize++] = v;
     };
-    for (unsigned i = 0; i < smallSideSize; ++i) {
-        const VertexId v = smallSide[i];
+    const auto enterChildren = [&](VertexId v, EdgeId except) {
+        const EdgeId parentEdge = tree.parentEdge(v);
         for (EdgeId e = tree.firstOut(v); e != none; e = tree.nextOut(e))
-            enter(tree.head(e));
+            if (e != parentEdge && e != except)
+                enter(tree.head(e));
         for (EdgeId e = tree.firstIn(v); e != none; e = tree.nextIn(e))
-            enter(tree.tail(e));
+            if (e != parentEdge && e != except)
+                enter(tree.tail(e));
+    };
+    for (VertexId v = cut.parent; v != none; v = tree.parent(v))
+        enter(v);
+    const unsigned pathSize = smallSideSize;
+    EdgeId alongPath = cut.edge;
+    for (unsigned i = 0; i < pathSize; ++i) {
+        enterChildren(smallSide[i], alongPath);
+        alongPath = tree.parentEdge(smallSide[i]);
     }
+    for (unsigned i = pathSize; i < smallSideSize; ++i)
+        enterChildren(smallSide[i], none);
 }
 
 /// The one of several edges that the walk through the subtree would meet first.
