@@ -2,7 +2,7 @@
 //
 //     ./run bench foundation [--repeat N]
 //
-// Times are medians of N runs (9 by default) of the wall clock. Where a row stands for a small
+// Times are medians of N runs (9 by default), in processor time. Where a row stands for a small
 // operation, a run does it as often as takes milliseconds, and the figure is that of one. "growth"
 // compares with the row before, where that has the same name: the factor of the time over the
 // factor of the size; for what must take the same time at any size it is the factor of the time
@@ -113,10 +113,10 @@ private:
 /// The time of one of `num` times that `work` is done.
 double timeOfOne(std::size_t num, std::function<void(std::size_t)> const &work)
 {
-    const double begin = wallTime();
+    const double begin = processorTime();
     for (std::size_t i = 0; i < num; ++i)
         work(i);
-    return (wallTime() - begin) / static_cast<double>(num);
+    return (processorTime() - begin) / static_cast<double>(num);
 }
 
 void benchSignals(Table &table)
