@@ -55,6 +55,25 @@ inline void storeLinks(ZR::VOM::Field &field, std::size_t index, std::size_t num
     }
 }
 
+/// A field of a type that the library doesn't know.
+class OpaqueField : public ZR::VOM::Field {
+public:
+    OpaqueField(ZR::VOM::Object &newOwner, char const *fieldName, unsigned initialFlags = 0)
+        : Field(newOwner, fieldName, initialFlags)
+    {
+    }
+    OpaqueField(ZR::VOM::Object &newOwner, OpaqueField const &other)
+        : Field(newOwner, other)
+    {
+    }
+    ZR::PtrT<Field> clone(ZR::VOM::Object &newOwner) const override
+    {
+        return ZR::VOM::cloneField(*this, newOwner);
+    }
+    int getType() const override { return 99; }
+    void copyValue(Field const &) override {}
+};
+
 /// Objects a, b, c and d with nodes, and x without, which no rule covers yet.
 struct LinkScene {
     LinkScene()

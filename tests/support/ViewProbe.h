@@ -3,12 +3,14 @@
 // What tests of views ask for again and again.
 
 #include "support/GraphViewAccess.h"
+#include "support/dump.h"
 #include "zrVOMGUI/foundation/util/Error.h"
 
 #include <QCoreApplication>
 #include <QTimerEvent>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ZR::VOM::GUI {
@@ -58,6 +60,25 @@ inline void finishAnimation(ObjectGraphView &view)
     letPass(GraphViewAccess::animStart(view), 61);
     tick(timer);
 }
+
+/// Notes each signal of a view, in the order in which they come.
+class SignalNotes {
+public:
+    explicit SignalNotes(ObjectGraphView &view)
+    {
+        view.sigInsertNode.connect(
+            [this](auto const &data) { add("insert " + namesInOrder(*data.objs)); });
+        view.sigRemoveNode.connect(
+            [this](auto const &data) { add("remove " + namesInOrder(*data.objs)); });
+        view.sigSel.connect([this](auto const &) { add("sel"); });
+    }
+    std::string take() { return std::exchange(text, {}); }
+
+private:
+    void add(std::string const &note) { text += (text.empty() ? "" : "; ") + note; }
+
+    std::string text;
+};
 
 /// Collects what is reported of caught exceptions, as "where: what".
 class Reports {
