@@ -20,15 +20,15 @@ int wayAt(int from, int to, double fraction)
     return static_cast<int>((static_cast<double>(to) - from) * fraction) + from;
 }
 
-/// KEPT: intermediate nodes move in milliseconds and 32-bit arithmetic that wraps, unlike real nodes,
-/// so that on long ways in large drawings they jump on their way. They arrive exactly all the same,
-/// and hosts see the same steps as ever.
+/// KEPT: intermediate nodes move in milliseconds and 32-bit arithmetic that wraps, unlike real
+/// nodes, so that on long ways in large drawings they jump on their way. They arrive exactly all
+/// the same, and hosts see the same steps as ever.
 int wayAtMilliseconds(int from, int to, int passed, int period)
 {
     if (period == 0)
         return to;
-    const auto sum = static_cast<std::uint32_t>(to) * static_cast<std::uint32_t>(passed)
-                     + static_cast<std::uint32_t>(from) * static_cast<std::uint32_t>(period - passed);
+    const auto sum = static_cast<std::uint32_t>(to) * static_cast<std::uint32_t>(passed) +
+                     static_cast<std::uint32_t>(from) * static_cast<std::uint32_t>(period - passed);
     return static_cast<int>(sum) / period;
 }
 
@@ -79,8 +79,10 @@ void ObjectGraphView::onQTimerAnimSigTimeout()
         if (ends) {
             arrive(node);
         } else {
-            node.x = wayAtMilliseconds(node.fromX, node.toX, passedMilliseconds, periodMilliseconds);
-            node.y = wayAtMilliseconds(node.fromY, node.toY, passedMilliseconds, periodMilliseconds);
+            node.x =
+                wayAtMilliseconds(node.fromX, node.toX, passedMilliseconds, periodMilliseconds);
+            node.y =
+                wayAtMilliseconds(node.fromY, node.toY, passedMilliseconds, periodMilliseconds);
         }
     };
     for (auto const &[obj, slot] : nodes) {

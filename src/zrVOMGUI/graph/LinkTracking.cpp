@@ -1,5 +1,5 @@
-// Turns the fields that the host declared as links into links between nodes, and keeps these current
-// while the model changes.
+// Turns the fields that the host declared as links into links between nodes, and keeps these
+// current while the model changes.
 
 #include "zrVOMGUI/foundation/vom/linkFields.h"
 #include "zrVOMGUI/graph/ObjectGraphView.h"
@@ -263,8 +263,10 @@ void ObjectGraphView::watchObject(Node &node)
 {
     node.watch->addFieldConn = node.obj->sigAddField.connect(
         [this, &node](SigAddFieldData const &sigData) { onObjectSigAddField(node, sigData); });
-    node.watch->removeFieldConn = node.obj->sigRemoveField.connect(
-        [this, &node](SigRemoveFieldData const &sigData) { onObjectSigRemoveField(node, sigData); });
+    node.watch->removeFieldConn =
+        node.obj->sigRemoveField.connect([this, &node](SigRemoveFieldData const &sigData) {
+            onObjectSigRemoveField(node, sigData);
+        });
 }
 
 /// KEPT: a list field added to a live object isn't linked here, only a single link is; the list

@@ -1,5 +1,5 @@
-#include "zrVOMGUI/graph/ObjectGraphView.h"
 #include "zrVOMGUI/graph/private/Node.h"
+#include "zrVOMGUI/graph/ObjectGraphView.h"
 
 namespace ZR::VOM::GUI::Graph {
 

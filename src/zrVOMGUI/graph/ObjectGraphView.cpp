@@ -54,10 +54,11 @@ ObjectGraphView::AddedNodes ObjectGraphView::add(std::vector<RefT<Object>> const
 ObjectGraphView::AddedNodes ObjectGraphView::add(std::size_t n, RefT<Object> const *const objs,
                                                  bool report)
 {
+    // An icon database that is asked on the way may change the host's list.
+    const std::vector<RefT<Object>> kept(objs, objs + n);
     AddedNodes added;
     bool created = false;
-    for (std::size_t i = 0; i < n; ++i) {
-        RefT<Object> const &obj = objs[i];
+    for (RefT<Object> const &obj : kept) {
         // A dying object may have told already, and the node would stay for ever.
         if (!obj || obj->isBeingDeleted())
             continue;
@@ -82,8 +83,8 @@ RefT<Graph::Node> ObjectGraphView::insertNode(RefT<Object> const &obj)
     const RefT<Node> node(new Node(*this, obj));
     const auto [slot, inserted] = nodes.try_emplace(obj);
     if (inserted) {
-        slot->second.sigDeleteConn = obj->sigDelete.connect(
-            *this, &ObjectGraphView::onPtrClassSigDelete, PtrT<Class>(obj));
+        slot->second.sigDeleteConn =
+            obj->sigDelete.connect(*this, &ObjectGraphView::onPtrClassSigDelete, PtrT<Class>(obj));
         slot->second.node = node;
     }
     return slot->second.node;

@@ -57,8 +57,8 @@ struct ObjectWatch {
 /// relative to it. Real nodes are owned by the view, intermediate ones by the link they are on.
 class Node : public Class {
 public:
-    /// An intermediate node when `object` is empty: visible from birth. A node with an object is born
-    /// hidden.
+    /// An intermediate node when `object` is empty: visible from birth. A node with an object is
+    /// born hidden.
     Node(ObjectGraphView &owner, RefT<Object> const &object);
     ~Node() override;
 
@@ -67,7 +67,10 @@ public:
     void leaveGraph();
 
     bool isIntermediate() const { return !watch; }
-    LinkMap &links(Direction direction) { return direction == Direction::Out ? linkedOut : linkedIn; }
+    LinkMap &links(Direction direction)
+    {
+        return direction == Direction::Out ? linkedOut : linkedIn;
+    }
 
     ObjectGraphView *const view; // Not owned, never null.
     LinkMap linkedIn, linkedOut;
@@ -99,7 +102,8 @@ public:
     std::unique_ptr<ObjectWatch> watch;
 };
 
-/// The rectangle that a node takes, bands included: right and bottom are left and top plus the size.
+/// The rectangle that a node takes, bands included: right and bottom are left and top plus the
+/// size.
 struct Bounds {
     int left, top, right, bottom;
 };
@@ -118,8 +122,8 @@ template <class Use>
 void forEachIntermediate(LinkEntry const &entry, Use &&use)
 {
     for (Node *node = entry.split.get(); node;) {
-        Node *const next = node->linkedOut.empty() ? nullptr
-                                                   : node->linkedOut.begin()->second.split.get();
+        Node *const next =
+            node->linkedOut.empty() ? nullptr : node->linkedOut.begin()->second.split.get();
         use(*node);
         node = next;
     }
