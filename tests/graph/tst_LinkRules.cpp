@@ -51,6 +51,7 @@ private slots:
     void removedRuleLeavesWhatAnotherCovers();
     void fieldUnderTwoRulesCountsOnce_data();
     void fieldUnderTwoRulesCountsOnce();
+    void fieldUnderTwoRulesGoesWithTheLastOne();
     void removingUnknownRulesChangesNothing();
 };
 
@@ -328,6 +329,22 @@ void tst_LinkRules::fieldUnderTwoRulesCountsOnce()
         storeLinks(field, 0, 1, scene.pick("c"));
         QCOMPARE(scene.links(), linksAlong(out, "a>c"));
         storeLinks(field, 0, 1, {});
+        QCOMPARE(scene.links(), ""s);
+    }
+}
+
+void tst_LinkRules::fieldUnderTwoRulesGoesWithTheLastOne()
+{
+    for (bool out : {true, false}) {
+        LinkScene scene;
+        VOM::Field &field = addLinkField(scene['a'], "f", 5, scene.pick("b"));
+        scene.addRule(out, "Thing");
+        scene.addRule(out, "");
+        scene.removeRule(out, "Thing");
+        QCOMPARE(scene.links(), linksAlong(out, "a>b"));
+        scene.removeRule(out, "");
+        QCOMPARE(scene.links(), ""s);
+        storeLinks(field, 0, 1, scene.pick("c"));
         QCOMPARE(scene.links(), ""s);
     }
 }

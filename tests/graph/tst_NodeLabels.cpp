@@ -61,6 +61,7 @@ private slots:
     void changedNameOfAHiddenNodeWaits();
     void otherFieldsDoNotTouchTheLabel();
     void oldNameFieldIsNotHeardAnyMore();
+    void removedNameFieldGivesWayToTheNextOfItsName();
     void fieldOfAnotherTypeCountsAsNone();
     void fieldAddedToALiveObjectGivesTheName();
     void fieldRemovedFromALiveObjectTakesTheName();
@@ -234,6 +235,18 @@ void tst_NodeLabels::oldNameFieldIsNotHeardAnyMore()
     QCOMPARE(scene.label(), QString("Thing"));
     scene.view.setFieldName("other");
     QCOMPARE(scene.label(), QString("Thing 'z'"));
+}
+
+void tst_NodeLabels::removedNameFieldGivesWayToTheNextOfItsName()
+{
+    Scene scene;
+    FieldString &second = VOM::addField<FieldString>(*scene.obj, "name", "second");
+    VOM::removeField(*scene.obj, scene.name());
+    QCOMPARE(scene.label(), QString("Thing 'second'"));
+    second.set("changed");
+    QCOMPARE(scene.label(), QString("Thing 'changed'"));
+    VOM::removeField(*scene.obj, second);
+    QCOMPARE(scene.label(), QString("Thing"));
 }
 
 void tst_NodeLabels::fieldOfAnotherTypeCountsAsNone()

@@ -22,7 +22,7 @@ int wayAt(int from, int to, double fraction)
 
 /// KEPT: intermediate nodes move in milliseconds and 32-bit arithmetic that wraps, unlike real
 /// nodes, so that on long ways in large drawings they jump on their way. They arrive exactly all
-/// the same, and hosts see the same steps as ever.
+/// the same, and hosts count on these steps.
 int wayAtMilliseconds(int from, int to, int passed, int period)
 {
     if (period == 0)

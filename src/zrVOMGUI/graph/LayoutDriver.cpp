@@ -37,12 +37,19 @@ Mean meanPosition(std::vector<RefT<Graph::Node>> const &nodes)
     return {static_cast<int>(sumX / count), static_cast<int>(sumY / count)};
 }
 
-/// Makes the place that the layout found the target, and puts the node back to where it stood.
-void commit(Graph::Node &node, int dx, int dy)
+/// A coordinate after a shift, within what a drawing may have.
+int shifted(int coordinate, std::int64_t delta)
 {
-    node.toX = node.x + dx;
+    constexpr std::int64_t most = Graph::maxCoordinate;
+    return static_cast<int>(std::clamp(coordinate + delta, -most, most));
+}
+
+/// Makes the place that the layout found the target, and puts the node back to where it stood.
+void commit(Graph::Node &node, std::int64_t dx, std::int64_t dy)
+{
+    node.toX = shifted(node.x, dx);
     node.x = node.fromX;
-    node.toY = node.y + dy;
+    node.toY = shifted(node.y, dy);
     node.y = node.fromY;
 }
 
@@ -64,7 +71,7 @@ void ObjectGraphView::layout(RefT<Node> const &anchor)
         return;
     layoutComponents(visibleNodes);
     const Mean after = meanPosition(anchors);
-    commitLayout(before.x - after.x, before.y - after.y);
+    commitLayout(std::int64_t(before.x) - after.x, std::int64_t(before.y) - after.y);
     startAnimation();
 }
 
@@ -109,30 +116,30 @@ void ObjectGraphView::layoutComponents(std::vector<Node *> visibleNodes)
     std::sort(visibleNodes.begin(), visibleNodes.end(), std::less<Node *>());
     const Graph::Geometry geometry{xSpacing, ySpacing, [this](Node &node) { updateSize(node); }};
     std::vector<std::vector<Node *>> components = Graph::findComponents(visibleNodes);
-    int cursor = 0;
+    std::int64_t cursor = 0;
     bool linksTurned = false;
     for (std::vector<Node *> &component : components) {
         Hierarchy hierarchy(geometry, layoutFigures, std::move(component));
         hierarchy.assignRanks();
         hierarchy.orderLayers();
         const Graph::Bounds bound = hierarchy.assignCoordinates();
-        const int dx = cursor - bound.left + xSpacing;
-        const int dy = -bound.top;
+        const std::int64_t dx = cursor - bound.left + xSpacing;
+        const std::int64_t dy = -std::int64_t(bound.top);
         for (Node *node : hierarchy.getNodes()) {
-            node->x += dx;
-            node->y += dy;
+            node->x = shifted(node->x, dx);
+            node->y = shifted(node->y, dy);
         }
         cursor += 1 + (bound.right - bound.left) + xSpacing;
         linksTurned |= hierarchy.revertLinks();
         layoutFigures.height = std::max(layoutFigures.height, bound.bottom - bound.top);
     }
     layoutFigures.components = static_cast<unsigned>(components.size());
-    layoutFigures.width = cursor;
+    layoutFigures.width = shifted(0, cursor - 1 - xSpacing);
     if (linksTurned)
         refresh(true);
 }
 
-void ObjectGraphView::commitLayout(int dx, int dy)
+void ObjectGraphView::commitLayout(std::int64_t dx, std::int64_t dy)
 {
     for (auto const &[obj, slot] : nodes) {
         Node &node = *slot.node;

@@ -12,7 +12,7 @@ struct LayoutFigures {
     unsigned layers = 0;     ///< Of the component with the most layers.
     unsigned crossings = 0;  ///< Between adjacent layers.
     double length = 0;       ///< Horizontal distance over all unit pieces of links, in pixels.
-    int width = 0;           ///< Of the whole drawing, in pixels.
+    int width = 0;           ///< Of the row of components, edge to edge, in pixels.
     int height = 0;
 
     double cyclesTime = 0; ///< Breaking cycles.

@@ -17,6 +17,17 @@ QString labelText(std::string const &label)
     return text;
 }
 
+/// The field that look-ups by name find when the first one of that name has left, if it is a text.
+RefT<FieldString> nextFieldOfThatName(VOM::Object const &object, Field const &leaving)
+{
+    for (std::size_t i = 0; i < object.getNumFields(); ++i) {
+        RefT<Field> const &field = object.getField(i);
+        if (field.get() != &leaving && field->name == leaving.name)
+            return cast<FieldString>(field);
+    }
+    return {};
+}
+
 } // namespace
 
 void ObjectGraphView::setObjIconDB(RefT<ObjectIconDB> const &db)
@@ -84,7 +95,7 @@ void ObjectGraphView::updateLabel(Node &node, Field const *leaving)
             RefT<FieldString> nameField;
             label = getItemLabel(node.obj, fieldName, typeName, false, nameField);
             if (nameField && nameField.get() == leaving) {
-                nameField.reset();
+                nameField = nextFieldOfThatName(*node.obj, *leaving);
                 label = getItemLabel(node.obj, nameField, typeName, false);
             }
             watch.nameField = nameField;

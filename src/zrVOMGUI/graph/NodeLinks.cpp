@@ -26,7 +26,8 @@ LinkEnds findLink(Node &from, Node &to)
 /// A point `step` of `numSteps` of the way from `from` to `to`.
 ///
 /// KEPT: the division is unsigned, so that negative coordinates give a very large result, and an
-/// intermediate node flies in from far away. Hosts know this start of the animation.
+/// intermediate node flies in from far away. The start of the animation shows it, and hosts count
+/// on it.
 int stationAt(int from, int to, unsigned step, unsigned numSteps)
 {
     const auto start = static_cast<std::uint32_t>(from);

@@ -90,6 +90,11 @@ RefT<Graph::Node> ObjectGraphView::insertNode(RefT<Object> const &obj)
     return slot->second.node;
 }
 
+PtrT<VOM::Object> ObjectGraphView::getObj(RefT<Node> const &node)
+{
+    return node ? node->obj : PtrT<Object>();
+}
+
 void ObjectGraphView::remove(std::vector<RefT<Object>> const &objs)
 {
     remove(objs.size(), objs.data());

@@ -13,6 +13,7 @@
 #include <QColor>
 #include <QTimer>
 
+#include <cstdint>
 #include <map>
 #include <set>
 #include <string>
@@ -57,7 +58,8 @@ public:
     using Node = Graph::Node;
     using Object = VOM::Object;
 
-    /// What add() found: the nodes of the objects, by whether they are visible.
+    /// What add() found: the nodes of the objects, by whether they are visible. Nodes are opaque to
+    /// hosts; getObj() tells whose they are.
     struct AddedNodes {
         std::set<RefT<Node>> hidden;
         std::set<RefT<Node>> visible;
@@ -86,15 +88,20 @@ public:
     /// was any: one call with many objects costs far less than many calls.
     ///
     /// No node becomes visible here. With `report` the result tells how each object stands, and a
-    /// repaint is asked for; without it the result is empty.
+    /// repaint is asked for; without it the result is empty. An object that is being destroyed is
+    /// passed over.
     AddedNodes add(std::vector<RefT<Object>> const &objs, bool report);
     AddedNodes add(std::size_t n, RefT<Object> const *objs, bool report);
 
-    /// Forgets the objects. sigRemoveNode follows with those that were visible, if any.
+    /// The object of a node; null once it is gone.
+    static PtrT<Object> getObj(RefT<Node> const &node);
+
+    /// Forgets the objects. sigRemoveNode follows with those that were visible, if any; sigSel
+    /// doesn't. An object that dies is forgotten without any signal.
     void remove(std::vector<RefT<Object>> const &objs);
     void remove(std::size_t n, RefT<Object> const *objs);
 
-    /// Forgets all objects. No signal follows.
+    /// Forgets all objects. No signal follows, not even sigSel.
     void clear();
 
     /// Shows or hides the nodes of these objects. Showing lays out anew, with the node of the last
@@ -119,17 +126,21 @@ public:
 
     /// Lays all visible nodes out, with those that the user can see held in place on average. Every
     /// node starts to move to its new place; see animDuration.
+    ///
+    /// Of two objects that link to each other, one link is merged into the other, until links are
+    /// next rebuilt. Calls std::srand(0) for each component, here and wherever nodes are shown.
     void layout();
-    /// The farthest that setPos() places a node from the origin, on either side of it: what is
-    /// worked out from positions then stays an int.
-    static constexpr int maxPos = 1 << 28;
     /// What the last layout made. All zero before the first.
     LayoutFigures const &getLayoutFigures() const { return layoutFigures; }
 
     /// The current centre of the object's node, also of a hidden one. False when it has none.
     bool getPos(PtrT<Object> const &obj, int &x, int &y) const;
+    /// The farthest that setPos() places a node from the origin, on either side of it: what is
+    /// worked out from positions then stays an int.
+    static constexpr int maxPos = 1 << 28;
     /// Moves the node of an object, at once or by animation, until the next layout. False when it
-    /// has none. Asks for no repaint by itself. Takes coordinates beyond maxPos as maxPos.
+    /// has none. Asks for no repaint by itself; an animation does as it moves. Takes coordinates
+    /// beyond maxPos as maxPos.
     bool setPos(PtrT<Object> const &obj, int x, int y, bool animated);
 
     /// @}
@@ -146,9 +157,10 @@ public:
     /// @}
     /// \name Link fields
     /// Which fields make links, by class name and field name. The empty class name stands for every
-    /// class, and a base class for its derived ones. A link of an out field runs from the field's
-    /// object to the linked one, a link of an in field the other way. An empty field name is
-    /// ignored.
+    /// class, and a base class for its derived ones. A list field that is added to an object links
+    /// only from the next add() that makes a node on; a single link does at once. A link of an out
+    /// field runs from the field's object to the linked one, a link of an in field the other way.
+    /// An empty field name is ignored.
     /// @{
     using LinkFields = std::map<std::string, std::set<std::string>>;
 
@@ -256,7 +268,6 @@ private:
 
     RefT<Node> insertNode(RefT<Object> const &obj);
     Node *findNode(Ptr const &obj) const;
-    Node *findVisibleNode(Ptr const &obj) const;
     std::vector<RefT<Object>> collectObjs(bool (*wanted)(Node const &)) const;
     void eraseSlot(Nodes::iterator slot);
     void refresh(bool stale);
@@ -301,7 +312,7 @@ private:
     std::vector<RefT<Node>> findAnchors(RefT<Node> const &anchor) const;
     std::vector<Node *> beginLayout();
     void layoutComponents(std::vector<Node *> visibleNodes);
-    void commitLayout(int dx, int dy);
+    void commitLayout(std::int64_t dx, std::int64_t dy);
     void startAnimation();
     void place(RefT<Node> const &node, int x, int y);
     void move(RefT<Node> const &node, int x, int y);

@@ -28,6 +28,45 @@ bool hasHiddenNeighbour(Graph::LinkMap const &links)
                        [](auto const &link) { return !link.first->visible; });
 }
 
+/// The bound of visible nodes.
+class VisibleBound {
+public:
+    void add(Graph::Node const &node)
+    {
+        if (!node.visible)
+            return;
+        const Graph::Bounds box = Graph::boundsOf(node);
+        if (!any)
+            all = box;
+        any = true;
+        all.left = std::min(all.left, box.left);
+        all.top = std::min(all.top, box.top);
+        all.right = std::max(all.right, box.right);
+        all.bottom = std::max(all.bottom, box.bottom);
+    }
+
+    /// Writes the bound, and widens it by the gaps. Where no node was added, what stands in the
+    /// outputs is widened, and the answer is false.
+    bool write(int dx, int dy, int &left, int &top, int &right, int &bottom) const
+    {
+        if (any) {
+            left = all.left;
+            top = all.top;
+            right = all.right;
+            bottom = all.bottom;
+        }
+        left -= dx;
+        top -= dy;
+        right += dx;
+        bottom += dy;
+        return any;
+    }
+
+private:
+    Graph::Bounds all{};
+    bool any = false;
+};
+
 } // namespace
 
 void ObjectGraphView::paintEvent(QPaintEvent *)
@@ -46,7 +85,7 @@ void ObjectGraphView::paintEvent(QPaintEvent *)
     // A listener that paints over an icon may change the view: nodes come and go under way.
     std::vector<RefT<Node>> shown;
     for (auto const &[obj, slot] : nodes)
-        if (slot.node->visible)
+        if (slot.node->visible && !context.isOffScreen(*slot.node))
             shown.push_back(slot.node);
     for (RefT<Node> const &node : shown)
         if (node->visible)
@@ -74,7 +113,7 @@ void ObjectGraphView::paintNode(PaintContext const &context, Node &node)
     const QPoint centre = context.centreOf(node);
     const int left = centre.x() - node.width / 2;
     const int top = centre.y() - node.height / 2;
-    if (context.isOffScreen(left, top, node.width, node.height))
+    if (context.isOffScreen(node))
         return;
 
     if (node.isIntermediate()) {
@@ -147,32 +186,20 @@ void ObjectGraphView::onPaintNodeIcon(PtrT<Object> const &, QPainter &, int, int
 
 bool ObjectGraphView::getVisibleBound(int &left, int &top, int &right, int &bottom) const
 {
-    std::vector<RefT<Node>> all;
-    all.reserve(nodes.size());
+    VisibleBound bound;
     for (auto const &[obj, slot] : nodes)
-        all.push_back(slot.node);
-    return getVisibleBound(all, left, top, right, bottom);
+        bound.add(*slot.node);
+    return bound.write(xSpacing, ySpacing, left, top, right, bottom);
 }
 
 bool ObjectGraphView::getVisibleBound(std::vector<RefT<Node>> const &boundNodes, int &left,
                                       int &top, int &right, int &bottom) const
 {
-    bool any = false;
-    for (RefT<Node> const &node : boundNodes) {
-        if (!node || !node->visible)
-            continue;
-        const Graph::Bounds box = Graph::boundsOf(*node);
-        left = any ? std::min(left, box.left) : box.left;
-        top = any ? std::min(top, box.top) : box.top;
-        right = any ? std::max(right, box.right) : box.right;
-        bottom = any ? std::max(bottom, box.bottom) : box.bottom;
-        any = true;
-    }
-    left -= xSpacing;
-    right += xSpacing;
-    top -= ySpacing;
-    bottom += ySpacing;
-    return any;
+    VisibleBound bound;
+    for (RefT<Node> const &node : boundNodes)
+        if (node)
+            bound.add(*node);
+    return bound.write(xSpacing, ySpacing, left, top, right, bottom);
 }
 
 void ObjectGraphView::updateScrollbars()

@@ -364,8 +364,7 @@ void tst_CoordinateAssignment::boundHoldsEveryNode()
     QCOMPARE(left, 8);
     QCOMPARE(top, 0);
     QCOMPARE(graph.view.getLayoutFigures().height, bottom);
-    // The cursor after the component: one more, and the gap.
-    QCOMPARE(graph.view.getLayoutFigures().width, right + 1);
+    QCOMPARE(graph.view.getLayoutFigures().width, right - left);
 }
 
 void tst_CoordinateAssignment::randomWidthsEqualTheLiteralLayout()

@@ -151,7 +151,7 @@ void tst_Layout::componentsStandInARowByAddress()
     QCOMPARE(leftOf(graph.node(0)), gap);
     QCOMPARE(leftOf(graph.node(1)), gap + 40 + 1 + gap);
     QCOMPARE(leftOf(graph.node(3)), gap + 40 + 1 + gap + 61 + 1 + gap);
-    QCOMPARE(graph.view.getLayoutFigures().width, gap + 40 + 1 + gap + 61 + 1 + gap + 100 + 1);
+    QCOMPARE(graph.view.getLayoutFigures().width, 40 + 1 + gap + 61 + 1 + gap + 100);
     QCOMPARE(graph.view.getLayoutFigures().components, 3u);
 }
 

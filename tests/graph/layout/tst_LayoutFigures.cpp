@@ -167,7 +167,7 @@ void tst_LayoutFigures::sizeOfTheDrawingIsThatOfItsComponents()
     graph.view.layout();
     LayoutFigures const &figures = graph.view.getLayoutFigures();
     const int height = graph.node(0).height;
-    QCOMPARE(figures.width, (1 + 60 + gap) + (1 + graph.node(2).width + gap));
+    QCOMPARE(figures.width, 60 + 1 + gap + graph.node(2).width);
     QCOMPARE(figures.height, height + gap + height);
     QVERIFY(figures.height > graph.node(2).height);
 }

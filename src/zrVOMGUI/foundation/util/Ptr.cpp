@@ -64,6 +64,22 @@ void Ptr::takePlaceOf(Ptr &other)
     other.target.exchange(nullptr);
 }
 
+void Ptr::copyFrom(Ptr const &other)
+{
+    if (Class *const newTarget = other.get())
+        link(*newTarget);
+    else
+        unlink();
+}
+
+void Ref::copyFrom(Ref const &other)
+{
+    if (Class *const newTarget = other.get())
+        set(*newTarget);
+    else
+        reset();
+}
+
 void Ref::set(Class &newTarget)
 {
     Class *const oldTarget = get();

@@ -29,6 +29,7 @@ protected:
 
     void link(Class &newTarget);
     void unlink();
+    void copyFrom(Ptr const &other);
     /// Takes the place of `other` in its target's list; `other` reads null afterwards.
     void takePlaceOf(Ptr &other);
 
@@ -79,6 +80,7 @@ protected:
 
     void set(Class &newTarget);
     void reset();
+    void copyFrom(Ref const &other);
     void take(Ref &other) noexcept;
 };
 
@@ -101,7 +103,7 @@ public:
     PtrT(PtrT const &other)
         : Ptr()
     {
-        set(other.get());
+        copyFrom(other);
     }
     PtrT(PtrT &&other) noexcept { takePlaceOf(other); }
     template <class U, class = std::enable_if_t<std::is_convertible_v<U *, T *>>>
@@ -118,7 +120,7 @@ public:
 
     PtrT &operator=(PtrT const &other)
     {
-        set(other.get());
+        copyFrom(other);
         return *this;
     }
     PtrT &operator=(PtrT &&other) noexcept
@@ -157,7 +159,7 @@ public:
     RefT(RefT const &other)
         : Ref()
     {
-        set(other.get());
+        copyFrom(other);
     }
     RefT(RefT &&other) noexcept { take(other); }
     template <class U, class = std::enable_if_t<std::is_convertible_v<U *, T *>>>
@@ -173,7 +175,7 @@ public:
 
     RefT &operator=(RefT const &other)
     {
-        set(other.get());
+        copyFrom(other);
         return *this;
     }
     RefT &operator=(RefT &&other) noexcept

@@ -97,9 +97,7 @@ void Object::announceLost() noexcept
     std::reverse(losers.begin(), losers.end());
     for (PtrT<Field> const &field : losers) {
         constexpr char where[] = "ZR::VOM::Object::sigLost";
-        // A listener may have removed it.
-        if (!field)
-            continue;
+        // It is null, and neither, if a listener has removed it.
         if (auto *const list = cast<MFieldBaseT<MFieldPtr::Traits>>(field)) {
             MFieldPtr::SigLostData data;
             list->sigLost.emitCatching(data, where);

@@ -1,5 +1,7 @@
 #pragma once
 
+// Not for hosts.
+
 #include "zrVOMGUI/graph/private/Node.h"
 
 #include <vector>

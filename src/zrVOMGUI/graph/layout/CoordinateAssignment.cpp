@@ -40,19 +40,35 @@ void Hierarchy::solveX()
         simplex.addEdge(auxiliary, link.from, 1, 0);
         simplex.addEdge(auxiliary, link.to, 1, 0);
     }
-    for (auto const &layer : layers) {
-        for (std::size_t i = 1; i < layer.size(); ++i) {
-            // KEPT: distances of 65,536 and more wrap to small ones. Only boxes wider than any
-            // screen meet it, and a solver's edge is the smaller for it.
-            const int widths = nodes[layer[i]]->width + nodes[layer[i - 1]]->width;
+    const int shrink = shrinkFactor();
+    for (auto const &layer : layers)
+        for (std::size_t i = 1; i < layer.size(); ++i)
             simplex.addEdge(layer[i - 1], layer[i], 0,
-                            static_cast<std::uint16_t>(widths / 2 + geometry.xSpacing));
-        }
-    }
+                            static_cast<std::uint16_t>(distance(layer[i - 1], layer[i]) / shrink));
     simplex.solve();
     const int lowest = simplex.lowestRank();
     for (Node *node : nodes)
         node->x = simplex.rank(node->index) - lowest;
+}
+
+/// How far apart the centres of two neighbours are kept.
+///
+/// KEPT: distances of 65,536 and more wrap to small ones. Only boxes wider than any screen meet it,
+/// and a solver's edge is the smaller for it.
+std::uint16_t Hierarchy::distance(unsigned left, unsigned right) const
+{
+    const int widths = nodes[left]->width + nodes[right]->width;
+    return static_cast<std::uint16_t>(widths / 2 + geometry.xSpacing);
+}
+
+/// By what all distances are divided: 1, unless the drawing might get wider than it may.
+int Hierarchy::shrinkFactor() const
+{
+    std::int64_t sum = 0;
+    for (auto const &layer : layers)
+        for (std::size_t i = 1; i < layer.size(); ++i)
+            sum += distance(layer[i - 1], layer[i]);
+    return static_cast<int>(sum / maxCoordinate + 1);
 }
 
 /// All nodes of a layer share one y.
@@ -65,7 +81,7 @@ void Hierarchy::assignY()
             height = std::max(height, nodes[index]->height);
             nodes[index]->y = y;
         }
-        y += geometry.ySpacing + height;
+        y += std::min(geometry.ySpacing + height, maxCoordinate - y);
     }
 }
 

@@ -10,7 +10,7 @@ namespace ZR::VOM::GUI::Graph {
 
 namespace {
 
-constexpr int maxRestarts = 10;
+constexpr int maxPasses = 10; // Over all orders to begin with: the first one, and random ones.
 constexpr int maxStale = 5;
 
 /// A uniform draw from 0 to num - 1, of 15 random bits at a time.
@@ -78,8 +78,8 @@ unsigned CrossingReduction::run()
     std::vector<unsigned> bestOrder = order;
     // Restarted for each component, so that the same input gives the same order.
     std::srand(0);
-    for (int restart = 0; restart < maxRestarts && best != 0; ++restart) {
-        if (restart != 0)
+    for (int pass = 0; pass < maxPasses && best != 0; ++pass) {
+        if (pass != 0)
             shuffleLayers();
         int stale = 0;
         const auto judge = [&](unsigned crossings) {
@@ -162,7 +162,7 @@ void CrossingReduction::collectOrders(std::vector<unsigned> const &fixedLayer, S
 /// Twice the median of the neighbours' orders.
 ///
 /// KEPT: a node with no neighbour on the sweep's side gets key 0 and moves to the left end instead
-/// of holding its place. Layer order is part of the view's contract.
+/// of holding its place. Users know their drawings by the order of layers.
 int CrossingReduction::medianKey(unsigned node, Side const &side) const
 {
     const unsigned begin = side.begin[node];

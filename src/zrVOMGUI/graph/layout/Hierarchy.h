@@ -5,11 +5,16 @@
 #include "zrVOMGUI/graph/LayoutFigures.h"
 #include "zrVOMGUI/graph/private/Node.h"
 
+#include <cstdint>
 #include <functional>
 #include <utility>
 #include <vector>
 
 namespace ZR::VOM::GUI::Graph {
+
+/// No coordinate of a drawing is farther from 0 than this: what is worked out from two of them
+/// stays an int. Drawings that would reach farther are pressed together at their far end.
+constexpr int maxCoordinate = (1 << 30) - (1 << 26);
 
 /// What the engine needs to know of the widget: the gaps between boxes in pixels, and how a node is
 /// measured.
@@ -87,6 +92,8 @@ private:
 
     // Coordinate assignment.
     void solveX();
+    std::uint16_t distance(unsigned left, unsigned right) const;
+    int shrinkFactor() const;
     void assignY();
     Bounds bound() const;
     double horizontalLength() const;

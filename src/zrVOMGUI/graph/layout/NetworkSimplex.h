@@ -18,16 +18,13 @@ namespace ZR::VOM::GUI::Graph {
 /// Directed Graphs (IEEE TSE 19(3), 1993). Departs from it in that
 /// - the start tree is grown from the first tight edge by a binary heap of edge slacks, not by
 ///   repeated tight-tree search and shifting;
-/// - the leaving edge is the one of the most negative cut value in the whole tree, the first of
-/// equal
-///   ones in the order of tree places, with no limit on the search, nor on the number of
-///   iterations;
+/// - the leaving edge is the one of the most negative cut value in the whole tree, and the first in
+///   the order of places of equal ones; neither the search nor the iterations have a limit;
 /// - the entering edge is the one of least slack, the first of equal ones that a walk through the
 ///   subtree below the leaving edge meets, which goes along the tree edges of the searched
 ///   direction in the order of all edges, and then against them in the order of their entry;
-/// - of the balancing steps only the left-right one exists, and it runs for layers too; nodes
-/// aren't
-///   balanced across layers.
+/// - of the balancing steps only the left-right one exists. It runs for layers too, and nodes are
+///   not balanced across layers.
 ///
 /// These choices decide the drawing and are kept to the letter. What a pivot costs isn't: there are
 /// no postorder numbers to renew (see SpanningTree), the most negative cut value is at hand (see

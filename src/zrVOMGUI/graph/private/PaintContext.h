@@ -22,6 +22,12 @@ struct ObjectGraphView::PaintContext {
     {
         return left + w < 0 || top + h < 0 || left >= width || top >= height;
     }
+    bool isOffScreen(Graph::Node const &node) const
+    {
+        const QPoint centre = centreOf(node);
+        return isOffScreen(centre.x() - node.width / 2, centre.y() - node.height / 2, node.width,
+                           node.height);
+    }
     /// With room for the smoothed edges of lines.
     bool isOffScreen(QPolygon const &route) const
     {
