@@ -178,7 +178,8 @@ public:
     /// A label is cut after 65,536 characters, so that painting stays quick.
     /// @{
 
-    /// Where nodes get their icons; empty by default. Nodes that exist keep the icon they have.
+    /// Where nodes get their icons; empty by default. Nodes that exist keep the icon they have. A
+    /// database may change the view while it is asked, but must not destroy it.
     RefT<ObjectIconDB> const &getObjIconDB() const { return objIconDB; }
     void setObjIconDB(RefT<ObjectIconDB> const &db);
     /// The name of the string field that labels nodes; empty by default.
