@@ -11,7 +11,7 @@ public:
     {
         flag = true;
     }
-    ~LockBool() { flag = false; }
+    ~LockBool() { flag = false; } // KEPT: not what was there, for functions that look first.
     LockBool(LockBool const &) = delete;
     LockBool &operator=(LockBool const &) = delete;
 

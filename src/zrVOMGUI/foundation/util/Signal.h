@@ -85,9 +85,9 @@ private:
 
 /// A handle to one slot of one signal.
 ///
-/// Destroying a Connection doesn't disconnect: a slot whose handle is dropped stays connected for
-/// the life of the signal. Keep the handle beside the pointer it belongs to, and disconnect by
-/// hand.
+/// KEPT: destroying a Connection doesn't disconnect. A slot whose handle is dropped stays connected
+/// for the life of the signal, which serves callers that keep no handle. Others keep it beside the
+/// pointer it belongs to, and disconnect by hand.
 class ZRUTIL_EXPORT Signal::Connection {
 public:
     Connection() = default;
@@ -113,8 +113,8 @@ private:
 /// Re-entry is the normal case. During an emission a slot may
 /// - connect: the new slot is called by this emission too, unless the last slot is already running;
 /// - disconnect any slot: a slot not yet called isn't called any more;
-/// - emit the same signal: the outer emission ends when the inner one is done, since both share the
-///   cursor and the later slots have had the newer data;
+/// - emit the same signal. KEPT: the outer emission ends when the inner one is done, since both
+///   share the cursor, which serves the later slots: they have had the newer data;
 /// - destroy the signal: the emission ends without touching it again;
 /// - throw: the exception passes on to the emitter, and the signal is ready for the next emission.
 template <class Data>
