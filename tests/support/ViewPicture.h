@@ -11,7 +11,8 @@
 #include <QProxyStyle>
 #include <QScrollBar>
 
-#include <limits>
+#include <algorithm>
+#include <functional>
 #include <string>
 
 namespace ZR::VOM::GUI {
@@ -99,8 +100,17 @@ struct PaintScene {
         setColor(view, "colorBg0", background);
         setColor(view, "colorBg1", background);
         view.add(things, false);
-        for (char letter : letters)
-            node(letter).visible = true;
+        // Layouts hang on the order of the nodes' addresses: in that of the letters they are the
+        // same in each run.
+        std::sort(things.begin(), things.end(),
+                  [this](RefT<VOM::Object> const &a, RefT<VOM::Object> const &b) {
+                      return std::less<Graph::Node *>()(GraphViewAccess::node(view, a),
+                                                        GraphViewAccess::node(view, b));
+                  });
+        for (std::size_t i = 0; i < letters.size(); ++i) {
+            fieldOf<VOM::FieldString>(things[i], "name").set(letters.substr(i, 1));
+            node(letters[i]).visible = true;
+        }
         // Shown, since resize events of hidden widgets come late; but nowhere.
         view.setAttribute(Qt::WA_DontShowOnScreen);
         view.show();
@@ -157,7 +167,7 @@ struct PaintScene {
 
     static constexpr QRgb background = 0xffe0e0e0;
     const std::string names;
-    const Things things;
+    Things things;
     ObjectGraphView view;
     QPoint scroll;
 };
