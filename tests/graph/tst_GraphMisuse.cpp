@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 
 using namespace std::string_literals;
@@ -213,6 +214,7 @@ private slots:
     void otherViewMayBeDestroyedAtAnyMoment();
     void viewMayBeUsedWhileItGoes_data();
     void viewMayBeUsedWhileItGoes();
+    void objectOnTheStackMayGoWhileItsIconIsAskedFor();
 };
 
 void tst_GraphMisuse::anythingMayHappenAtAnyMoment_data()
@@ -320,6 +322,19 @@ void tst_GraphMisuse::viewMayBeUsedWhileItGoes()
     // The model tells nobody any more.
     removeAllFields(scene);
     scene.things.clear();
+}
+
+void tst_GraphMisuse::objectOnTheStackMayGoWhileItsIconIsAskedFor()
+{
+    Scene scene;
+    std::optional<Thing> thing(std::in_place);
+    scene.icons->act = [&] { thing.reset(); };
+    const ObjectGraphView::AddedNodes added =
+        scene.view->add({RefT<VOM::Object>(*thing), scene['a']}, true);
+    QVERIFY(!thing);
+    QVERIFY(added.hidden.empty());
+    QCOMPARE(added.visible.size(), std::size_t(1));
+    verifyUsable(scene);
 }
 
 QTEST_MAIN(tst_GraphMisuse)

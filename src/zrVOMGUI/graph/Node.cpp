@@ -12,7 +12,7 @@ Node::Node(ObjectGraphView &owner, RefT<Object> const &object)
         watch = std::make_unique<ObjectWatch>();
     view->updateIcon(*this);
     view->updateLabel(*this);
-    if (watch)
+    if (obj)
         view->watchObject(*this);
 }
 

@@ -65,6 +65,8 @@ ObjectGraphView::AddedNodes ObjectGraphView::add(std::size_t n, RefT<Object> con
         RefT<Node> node = findNode(obj);
         if (!node) {
             node = insertNode(obj);
+            if (!node)
+                continue;
             created = true;
         }
         if (report)
@@ -77,10 +79,14 @@ ObjectGraphView::AddedNodes ObjectGraphView::add(std::size_t n, RefT<Object> con
     return added;
 }
 
+/// Makes the object's node. Null when the object is gone before it is done.
 RefT<Graph::Node> ObjectGraphView::insertNode(RefT<Object> const &obj)
 {
     // Made before its slot: what a model's class throws leaves no slot without a node.
     const RefT<Node> node(new Node(*this, obj));
+    // Nobody owns an object on the stack, which may go while its icon is asked for.
+    if (!obj)
+        return {};
     const auto [slot, inserted] = nodes.try_emplace(obj);
     if (inserted) {
         slot->second.sigDeleteConn =
