@@ -55,6 +55,15 @@ inline void storeLinks(ZR::VOM::Field &field, std::size_t index, std::size_t num
     }
 }
 
+inline void clearOwningLinks(ZR::VOM::Field &field)
+{
+    using namespace ZR;
+    if (auto *const single = dynamic_cast<VOM::FieldRef *>(&field))
+        single->set({});
+    if (auto *const list = dynamic_cast<VOM::MFieldRef *>(&field))
+        list->replace(0, list->getNum(), {});
+}
+
 /// A field of a type that the library doesn't know.
 class OpaqueField : public ZR::VOM::Field {
 public:
@@ -82,6 +91,15 @@ struct LinkScene {
     {
         view.add(abcd, false);
     }
+    ~LinkScene()
+    {
+        // Objects that own themselves or one another let go.
+        for (ZR::RefT<ZR::VOM::Object> const &obj : abcd)
+            for (std::size_t i = 0; obj && i < obj->getNumFields(); ++i)
+                clearOwningLinks(*obj->getField(i));
+    }
+    LinkScene(LinkScene const &) = delete;
+    LinkScene &operator=(LinkScene const &) = delete;
 
     /// By letter; "-" is a null reference.
     Things pick(std::string const &letters) const
