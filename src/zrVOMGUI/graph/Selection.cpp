@@ -104,13 +104,11 @@ void ObjectGraphView::showSel()
     };
     Bounds shown = grownBox(first);
     std::size_t stop = first;
-    if (first != selCursor) {
-        for (; stop != selCursor; stop = (stop + 1) % num) {
-            const Bounds with = unite(shown, grownBox(stop));
-            if (!view.canHold(with))
-                break;
-            shown = with;
-        }
+    for (; stop != selCursor; stop = (stop + 1) % num) {
+        const Bounds with = unite(shown, grownBox(stop));
+        if (!view.canHold(with))
+            break;
+        shown = with;
     }
     selCursor = stop;
     startScrolling(scrollTarget(shown.left, shown.right, view.x, view.width),
