@@ -51,7 +51,7 @@ GraphProgram::Deed const GraphProgram::deeds[] = {
     {22, &GraphProgram::editList},
     {10, &GraphProgram::addField},
     {5, &GraphProgram::removeField},
-    {4, &GraphProgram::changeLabelField},
+    {8, &GraphProgram::changeLabelField},
     {3, &GraphProgram::letGo},
     {5, &GraphProgram::bear},
 };
@@ -62,12 +62,13 @@ GraphProgram::GraphProgram(unsigned programSeed)
     Dice dice(seed, numSteps);
     while (objs.size() < 9)
         makeObject();
-    for (RefT<Object> const &obj : held)
+    for (RefT<Object> const &obj : held) {
         addRandomField(dice, obj);
+        addRandomField(dice, obj);
+        VOM::addField<FieldString>(*obj, "label", nameOf(obj));
+    }
     for (unsigned i : {0u, 1u}) {
         makeView(i);
-        for (bool out : {true, false})
-            addRule(*both[i], out, "", out ? "f" : "g");
         both[i]->oracle.add(held);
         both[i]->view.add(held, false);
     }
@@ -76,6 +77,11 @@ GraphProgram::GraphProgram(unsigned programSeed)
 void GraphProgram::makeView(unsigned index)
 {
     both[index] = std::make_unique<Watched>();
+    Watched &watched = *both[index];
+    watched.view.setFieldName("label");
+    addRule(watched, true, "", "f");
+    addRule(watched, true, "", "g");
+    addRule(watched, false, "", "h");
 }
 
 GraphProgram::~GraphProgram()

@@ -69,8 +69,6 @@ void GraphProgram::replaceView(Dice &dice)
     const unsigned index = dice.below(2);
     say(viewName(*both[index]) + "destroy, and make a new one");
     makeView(index);
-    for (bool out : {true, false})
-        addRule(*both[index], out, "", out ? "g" : "h");
 }
 
 void GraphProgram::show(Dice &dice)
