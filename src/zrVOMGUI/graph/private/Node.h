@@ -93,11 +93,11 @@ public:
     bool hiddenIn = false, hiddenOut = false; // Some neighbour isn't visible; worked out at paint.
     bool sizeDirty = false;
 
-    // Used during a layout; stale between layouts.
+    // Used during a layout or a search; stale between them.
     unsigned dfsEnter = 0, dfsLeave = 0;
     int rank = 0;
     unsigned order = 0;
-    unsigned index = 0; // Of its component, and then its own in the component.
+    unsigned index = 0; // Of its component, and then its own in the component or the search.
 
     std::unique_ptr<ObjectWatch> watch;
 };
