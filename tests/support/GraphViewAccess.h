@@ -65,6 +65,18 @@ struct GraphViewAccess {
         return view.getVisibleBound(nodes, left, top, right, bottom);
     }
 
+    static void showLinkedIn(ObjectGraphView &view, RefT<Node> const &node)
+    {
+        view.showLinkedIn(node);
+    }
+    static void showLinkedOut(ObjectGraphView &view, RefT<Node> const &node)
+    {
+        view.showLinkedOut(node);
+    }
+    static void scrollTo(ObjectGraphView &view, std::vector<RefT<Node>> const &nodes)
+    {
+        view.scrollTo(nodes);
+    }
     static void updateScrollbars(ObjectGraphView &view) { view.updateScrollbars(); }
     static void startScrolling(ObjectGraphView &view, int x, int y) { view.startScrolling(x, y); }
     static void paintNode(ObjectGraphView &view, QPainter &painter, QPoint scroll, Node &node)

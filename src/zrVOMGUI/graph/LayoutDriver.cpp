@@ -37,19 +37,12 @@ Mean meanPosition(std::vector<RefT<Graph::Node>> const &nodes)
     return {static_cast<int>(sumX / count), static_cast<int>(sumY / count)};
 }
 
-/// A coordinate after a shift, within what a drawing may have.
-int shifted(int coordinate, std::int64_t delta)
-{
-    constexpr std::int64_t most = Graph::maxCoordinate;
-    return static_cast<int>(std::clamp(coordinate + delta, -most, most));
-}
-
 /// Makes the place that the layout found the target, and puts the node back to where it stood.
 void commit(Graph::Node &node, std::int64_t dx, std::int64_t dy)
 {
-    node.toX = shifted(node.x, dx);
+    node.toX = Graph::toCoordinate(node.x + dx);
     node.x = node.fromX;
-    node.toY = shifted(node.y, dy);
+    node.toY = Graph::toCoordinate(node.y + dy);
     node.y = node.fromY;
 }
 
@@ -126,15 +119,15 @@ void ObjectGraphView::layoutComponents(std::vector<Node *> visibleNodes)
         const std::int64_t dx = cursor - bound.left + xSpacing;
         const std::int64_t dy = -std::int64_t(bound.top);
         for (Node *node : hierarchy.getNodes()) {
-            node->x = shifted(node->x, dx);
-            node->y = shifted(node->y, dy);
+            node->x = Graph::toCoordinate(node->x + dx);
+            node->y = Graph::toCoordinate(node->y + dy);
         }
         cursor += 1 + (bound.right - bound.left) + xSpacing;
         linksTurned |= hierarchy.revertLinks();
         layoutFigures.height = std::max(layoutFigures.height, bound.bottom - bound.top);
     }
     layoutFigures.components = static_cast<unsigned>(components.size());
-    layoutFigures.width = shifted(0, cursor - 1 - xSpacing);
+    layoutFigures.width = Graph::toCoordinate(cursor - 1 - xSpacing);
     if (linksTurned)
         refresh(true);
 }

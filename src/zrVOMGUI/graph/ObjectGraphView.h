@@ -319,6 +319,14 @@ private:
     void move(RefT<Node> const &node, int x, int y);
     void updateSize(Node &node);
 
+    // Revealing neighbours.
+    struct Row;
+    void showLinkedIn(RefT<Node> const &node);
+    void showLinkedOut(RefT<Node> const &node);
+    Row measureRow(Node &node, Graph::Direction direction);
+    void showRow(Row const &row, std::int64_t left, std::int64_t y);
+    void scrollTo(std::vector<RefT<Node>> const &boundNodes);
+
     // Painting.
     struct PaintContext;
     void setupDefaultColors();

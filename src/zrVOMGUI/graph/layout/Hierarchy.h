@@ -12,10 +12,6 @@
 
 namespace ZR::VOM::GUI::Graph {
 
-/// No coordinate of a drawing is farther from 0 than this: what is worked out from two of them
-/// stays an int. Drawings that would reach farther are pressed together at their far end.
-constexpr int maxCoordinate = (1 << 30) - (1 << 26);
-
 /// What the engine needs to know of the widget: the gaps between boxes in pixels, and how a node is
 /// measured.
 struct Geometry {

@@ -8,6 +8,8 @@
 #include <QIcon>
 #include <QString>
 
+#include <algorithm>
+#include <cstdint>
 #include <map>
 #include <memory>
 
@@ -101,6 +103,16 @@ public:
 
     std::unique_ptr<ObjectWatch> watch;
 };
+
+/// No coordinate of a drawing is farther from 0 than this: what is worked out from two of them
+/// stays an int. Drawings that would reach farther are pressed together at their far end.
+constexpr int maxCoordinate = (1 << 30) - (1 << 26);
+
+/// The nearest coordinate that a drawing may have.
+inline int toCoordinate(std::int64_t value)
+{
+    return static_cast<int>(std::clamp<std::int64_t>(value, -maxCoordinate, maxCoordinate));
+}
 
 /// The rectangle that a node takes, bands included: right and bottom are left and top plus the
 /// size.
