@@ -200,6 +200,8 @@ void tst_Includes::allowedIncludesPass_data()
     row("private header knows a private header", "graph/private/Painting.h",
         "\"zrVOMGUI/graph/private/Geometry.h\"");
     row("driver knows a stage", "graph/LayoutDriver.cpp", "\"zrVOMGUI/graph/layout/Hierarchy.h\"");
+    row("view searches components", "graph/DragDrop.cpp", "\"zrVOMGUI/graph/layout/Components.h\"");
+    row("view searches routes", "graph/DragDrop.cpp", "\"zrVOMGUI/graph/layout/Routes.h\"");
     row("engine knows the view's nodes", "graph/layout/Ranking.cpp",
         "\"zrVOMGUI/graph/private/Node.h\"");
     row("engine's header knows the view's nodes", "graph/layout/Hierarchy.h",
