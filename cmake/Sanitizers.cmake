@@ -8,3 +8,7 @@ if(ZRVOMGUI_SANITIZE)
         add_compile_options(-fno-sanitize-recover=undefined)
     endif()
 endif()
+if(ZRVOMGUI_FUZZ)
+    # Fuzzing follows the edges that an input takes through all our code.
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

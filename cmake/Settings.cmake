@@ -3,6 +3,7 @@
 option(ZRVOMGUI_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(ZRVOMGUI_BENCH "Build the benchmarks" ${PROJECT_IS_TOP_LEVEL})
 option(ZRVOMGUI_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
+option(ZRVOMGUI_FUZZ "Build the fuzz targets; takes clang" OFF)
 option(ZRVOMGUI_WERROR "Treat warnings in our code as errors" ${PROJECT_IS_TOP_LEVEL})
 
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)

@@ -13,16 +13,27 @@ quietly()
     return "$status"
 }
 
+# The packages of packages.txt before the first group, and those of the named groups.
+wanted_packages()
+{
+    awk -v groups=" $* " '
+        BEGIN { wanted = 1 }
+        { sub(/#.*/, ""); gsub(/[[:space:]]/, "") }
+        /^\[.*\]$/ { wanted = index(groups, " " substr($0, 2, length($0) - 2) " "); next }
+        wanted && /./' "$root/packages.txt"
+}
+
 missing_packages()
 {
     local wanted
-    mapfile -t wanted < <(sed 's/#.*//; s/[[:space:]]//g; /^$/d' "$root/packages.txt")
+    mapfile -t wanted < <(wanted_packages "$@")
     # dpkg-query fails when it knows nothing of some package: that one is missing, then.
     { dpkg-query -W -f '${db:Status-Status} ${Package}\n' "${wanted[@]}" 2>/dev/null || true; } |
         sed -n 's/^installed //p' | sort |
         comm -13 - <(printf '%s\n' "${wanted[@]}" | sort)
 }
 
+# install_packages [GROUP...]
 install_packages()
 {
     if ! command -v dpkg-query >/dev/null; then
@@ -30,7 +41,7 @@ install_packages()
         return
     fi
     local missing
-    mapfile -t missing < <(missing_packages)
+    mapfile -t missing < <(missing_packages "$@")
     if ((${#missing[@]} == 0)); then
         return
     fi
@@ -79,4 +90,15 @@ use_runtime_folder()
 {
     XDG_RUNTIME_DIR=$(mktemp -d)
     export XDG_RUNTIME_DIR
+}
+
+# The sanitizers' runtimes claim fixed addresses, which a high degree of address randomisation may
+# have given away. Not everywhere may a process switch that off, nor does it have to. Sets `launcher`,
+# the command before the program's.
+fix_addresses()
+{
+    launcher=()
+    if setarch -R true 2>/dev/null; then
+        launcher=(setarch -R)
+    fi
 }
