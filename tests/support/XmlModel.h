@@ -8,7 +8,10 @@
 #include "support/Things.h"
 
 #include <QByteArray>
+#include <QtDebug>
 
+#include <cstdint>
+#include <cstring>
 #include <map>
 #include <sstream>
 #include <string>
@@ -184,3 +187,24 @@ public:
 private:
     ZR::RefT<ZR::VOM::Object> root;
 };
+
+/// Writes and reads back. Null, with a warning, if there is an error or if the copy is written in
+/// another way.
+inline ZR::RefT<ZR::VOM::Object> xmlRoundTrip(ZR::RefT<ZR::VOM::Object> const &root)
+{
+    XmlErrors errors;
+    const std::string text = ZR::VOM::toXml(root, errors.manager);
+    const ZR::RefT<ZR::VOM::Object> copy = ZR::VOM::fromXml(text, xmlRegistry(), errors.manager);
+    const bool isSame = errors.count() == 0 && ZR::VOM::toXml(copy, errors.manager) == text;
+    if (!isSame)
+        qWarning("%s\n%.10000s", errors.text().c_str(), text.c_str());
+    return isSame ? copy : nullptr;
+}
+
+/// The number of these bits.
+inline double realOfBits(std::uint64_t bits)
+{
+    double value = 0;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}

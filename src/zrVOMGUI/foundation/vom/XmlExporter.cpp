@@ -7,7 +7,7 @@
 #include <QIODevice>
 #include <QXmlStreamWriter>
 
-#include <limits>
+#include <cstddef>
 #include <unordered_map>
 #include <vector>
 
@@ -58,9 +58,9 @@ public:
     std::vector<RefT<Object>> const &all() const { return objects; }
 
     /// What links to an object are written as.
-    std::string idOf(Ptr const &object) const
+    std::string idOf(Object const *object) const
     {
-        const auto found = numbers.find(object.get());
+        const auto found = numbers.find(object);
         return found == numbers.end() ? Text::null : std::to_string(found->second);
     }
 
@@ -72,7 +72,7 @@ private:
     }
 
     std::vector<RefT<Object>> objects;
-    std::unordered_map<Class const *, std::size_t> numbers; // From 1.
+    std::unordered_map<Object const *, std::size_t> numbers; // From 1.
 };
 
 /// Writes one document.
@@ -108,13 +108,12 @@ private:
     void writeObject(Object &object, Contents const &contents)
     {
         xml.writeStartElement(Text::object);
-        xml.writeAttribute(Text::id, QString::fromStdString(contents.idOf(PtrT<Object>(object))));
+        xml.writeAttribute(Text::id, QString::fromStdString(contents.idOf(&object)));
         writeName(Text::className, Text::classEncoding, object.getClassInfo().name);
         writeFlags(object);
         for (std::size_t i = 0; i < object.getNumFields(); ++i) {
-            // The hold is for fields that a class takes away while it is asked for their values.
-            const RefT<Field> field = object.getField(i);
-            visitField(*field, [&](auto const &typed) { writeField(typed, contents); });
+            Field &field = *object.getField(i);
+            visitField(field, [&](auto const &typed) { writeField(typed, contents); });
         }
         xml.writeEndElement();
     }
@@ -151,7 +150,7 @@ private:
     template <class LinkField>
     void writeLink(LinkField const &field, Contents const &contents)
     {
-        const std::string id = contents.idOf(field.get());
+        const std::string id = contents.idOf(field.get().get());
         if (id != Text::null)
             xml.writeCharacters(QString::fromStdString(id));
     }
@@ -169,9 +168,10 @@ private:
             }
             if (i > 0)
                 line += startsLine ? '\n' : ' ';
-            line += QString::fromStdString(contents.idOf(field.get(i)));
+            line += QString::fromStdString(contents.idOf(field.get(i).get()));
         }
-        xml.writeCharacters(line);
+        if (!line.isEmpty())
+            xml.writeCharacters(line);
     }
 
     void writeName(char const *attribute, char const *encodingAttribute, std::string const &name)

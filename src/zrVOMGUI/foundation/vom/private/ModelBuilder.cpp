@@ -38,6 +38,11 @@ auto currentValue(FieldType &field)
         return field.get();
 }
 
+std::string factoryOf(ObjectRecord const &record)
+{
+    return "the factory of class " + quoted(record.className);
+}
+
 /// Answers whether `work` ended normally.
 template <class Work>
 bool quietly(Work const &work) noexcept
@@ -98,8 +103,8 @@ void ModelBuilder::createObjects(RefT<Object> const &target)
         made.front().object = target;
         const std::string name = target->getClassInfo().name;
         if (root.className != name)
-            reports.report(root.place, "the first object is a '" + root.className +
-                                           "' and should be a '" + name + "'");
+            reports.report(root.place, "the first object is a " + quoted(root.className) +
+                                           " and should be a " + quoted(name));
     }
     for (std::size_t i = isTargetGiven ? 1 : 0; i < made.size(); ++i) {
         tick();
@@ -109,24 +114,22 @@ void ModelBuilder::createObjects(RefT<Object> const &target)
     std::unordered_set<Object const *> distinct;
     for (std::size_t i = 0; i < made.size(); ++i)
         if (!distinct.insert(made[i].object.get()).second)
-            reports.report(document.objects[i].place, "the factory of class '" +
-                                                          document.objects[i].className +
-                                                          "' has made the same object again");
+            reports.report(document.objects[i].place,
+                           factoryOf(document.objects[i]) + " has made the same object again");
     reports.giveUpAfterErrors();
 }
 
 RefT<Object> ModelBuilder::createObject(ObjectRecord const &record)
 {
     if (!registry.isKnown(record.className)) {
-        reports.report(record.place, "the class '" + record.className + "' is unknown");
+        reports.report(record.place, "the class " + quoted(record.className) + " is unknown");
         return {};
     }
     RefT<Object> object;
-    const std::string factory = "the factory of class '" + record.className + "'";
-    reports.attempt(record.place, factory + " failed: ", [&] {
+    reports.attempt(record.place, factoryOf(record) + " failed: ", [&] {
         object = registry.create(record.className);
         if (!object)
-            reports.report(record.place, factory + " has made no object");
+            reports.report(record.place, factoryOf(record) + " has made no object");
     });
     return object;
 }
@@ -146,13 +149,13 @@ void ModelBuilder::matchFields(ObjectRecord const &record, Made &object)
         tick();
         RefT<Field> found = finder.take(field.name);
         if (!found && !isOpen)
-            reports.report(field.place, "the class '" + record.className + "' has no field '" +
-                                            field.name + "' left");
+            reports.report(field.place, "the class " + quoted(record.className) + " has no field " +
+                                            quoted(field.name) + " left");
         const auto isOfItsType = [&] {
             return found->getType() == field.type && visitField(*found, [](auto &) {});
         };
         if (found && !isOfItsType())
-            reports.report(field.place, "the field '" + field.name + "' is of another type");
+            reports.report(field.place, "the field " + quoted(field.name) + " is of another type");
         object.fields.push_back(std::move(found));
     }
 }
@@ -181,7 +184,7 @@ void ModelBuilder::fillField(RefT<Object> const &object, FieldRecord const &reco
     if (!field)
         field = addFieldOf(object, record);
     if (!object || field->owner != object.get())
-        throw Error("field '" + record.name + "': a listener took it away");
+        throw Error("field " + quoted(record.name) + ": a listener took it away");
     setFlags(field, record.flags);
     visitField(*field, [&](auto &typed) {
         if (keepsUndo)
@@ -210,7 +213,7 @@ RefT<Field> ModelBuilder::addFieldOf(RefT<Object> const &object, FieldRecord con
     });
     const RefT<Field> field = find();
     if (!field || field->getType() != record.type)
-        throw Error("field '" + record.name + "': a listener took it away");
+        throw Error("field " + quoted(record.name) + ": a listener took it away");
     return field;
 }
 
@@ -226,7 +229,7 @@ void ModelBuilder::askTarget()
         reports.attempt(value.place, "", [&] {
             visitField(*field, [&](auto &typed) {
                 if (!accepts(typed, valueOf<std::decay_t<decltype(typed)>>(value)))
-                    throw Error("field '" + value.name + "': the value is refused");
+                    throw Error("field " + quoted(value.name) + ": the value is refused");
             });
         });
     }

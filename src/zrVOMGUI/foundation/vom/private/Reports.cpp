@@ -13,6 +13,18 @@ std::string toText(Place place)
 
 } // namespace
 
+std::string quoted(std::string const &word)
+{
+    constexpr std::size_t maxLength = 80;
+    if (word.size() <= maxLength)
+        return '\'' + word + '\'';
+    std::size_t length = maxLength;
+    const auto isInsideCharacter = [&] { return (word[length] & 0xC0) == 0x80; };
+    while (length > 0 && isInsideCharacter())
+        --length;
+    return '\'' + word.substr(0, length) + "...'";
+}
+
 void Reports::report(Place place, std::string const &what)
 {
     report(toText(place) + ": " + what);

@@ -12,6 +12,9 @@ struct Place {
     long long column = 1;
 };
 
+/// A word of a document in quotes, for a message: shortened if it is long.
+std::string quoted(std::string const &word);
+
 /// Raised where there is no way on. What it is about has been reported.
 struct GiveUp {};
 

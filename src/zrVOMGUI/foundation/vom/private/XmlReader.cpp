@@ -1,11 +1,14 @@
 #include "zrVOMGUI/foundation/vom/private/XmlReader.h"
 
+#include "zrVOMGUI/foundation/util/text.h"
 #include "zrVOMGUI/foundation/vom/linkFields.h"
+#include "zrVOMGUI/foundation/vom/private/TagScanner.h"
 #include "zrVOMGUI/foundation/vom/private/XmlText.h"
 
 #include <QBuffer>
 #include <QXmlStreamReader>
 
+#include <algorithm>
 #include <initializer_list>
 
 namespace ZR::VOM::Xml {
@@ -17,6 +20,7 @@ public:
     Reader(char const *bytes, std::size_t size, Reports &documentReports, Ticker &workTicker)
         : reports(documentReports)
         , ticker(workTicker)
+        , scanner({bytes, size}, documentReports)
         , content(QByteArray::fromRawData(bytes, static_cast<int>(size)))
         , device(&content)
         , xml(&device)
@@ -34,7 +38,7 @@ public:
                 reports.fail(place, "an object should stand here");
             document.objects.push_back(readObject());
         }
-        readEnd();
+        nextChild(); // To the end of the document; a second root is an error of XML.
         if (document.objects.empty())
             reports.fail(place, "there is no object");
         return document;
@@ -47,19 +51,14 @@ private:
         const QString encoding = xml.documentEncoding().toString();
         if (!encoding.isEmpty() && encoding.compare("UTF-8", Qt::CaseInsensitive) != 0)
             reports.fail(place, "the document must be in UTF-8");
+        nextTag = scanner.next();
         nextChild();
         if (xml.name() != Text::model)
             reports.fail(place, "a model should stand here");
         allowAttributes({Text::version});
         const std::string version = attribute(Text::version);
         if (version != Text::currentVersion)
-            reports.fail(place, "the model's version '" + version + "' is unknown");
-    }
-
-    void readEnd()
-    {
-        while (nextChild())
-            reports.fail(place, "nothing may stand here");
+            reports.fail(place, "the model's version " + quoted(version) + " is unknown");
     }
 
     ObjectRecord readObject()
@@ -89,7 +88,7 @@ private:
         const bool isEncoded = readEncoding(Text::encoding);
         if (isEncoded && field.type != 4)
             reports.report(place, "only strings have an encoding");
-        readValue(field, decoded(readText(), isEncoded));
+        readValue(field, decoded(readText(), isEncoded, field.place));
         return field;
     }
 
@@ -97,7 +96,8 @@ private:
     {
         const auto read = [&](auto value, auto const &parse) {
             if (!parse(text, value))
-                reports.report(field.place, "the value of field '" + field.name + "' is none");
+                reports.report(field.place,
+                               "the value of field " + quoted(field.name) + " is none");
             field.value = std::move(value);
         };
         if (field.type == 2)
@@ -173,13 +173,30 @@ private:
         place = here();
         const QXmlStreamReader::TokenType token = xml.readNext();
         if (xml.hasError())
-            reports.fail(here(), xml.errorString().toStdString());
-        if (token == QXmlStreamReader::DTD)
-            reports.fail(place, "a document type isn't accepted");
-        if (token == QXmlStreamReader::EntityReference)
-            reports.fail(place, "an entity isn't accepted");
+            failAsReader();
+        if (token == QXmlStreamReader::StartElement) {
+            place = nextTag;
+            nextTag = scanner.next();
+        }
         ticker.tick(static_cast<double>(xml.characterOffset()) / (content.size() + 1.0) / 2);
         return token;
+    }
+
+    /// The XML reader has stopped. Of text that isn't UTF-8, or ends too early, it doesn't tell
+    /// where that is.
+    [[noreturn]] void failAsReader()
+    {
+        const std::string text = content.toStdString();
+        char const *invalid = nullptr;
+        std::size_t offset = text.size();
+        const bool isUtf8 = validateUtf8(text.c_str(), invalid);
+        if (!isUtf8)
+            offset = static_cast<std::size_t>(invalid - text.c_str());
+        else if (xml.error() != QXmlStreamReader::PrematureEndOfDocumentError)
+            reports.fail(here(), xml.errorString().toStdString());
+        Place stop;
+        Xml::advance(stop, text, offset);
+        reports.fail(stop, isUtf8 ? "the document ends too early" : "this is no UTF-8");
     }
 
     Place here() const { return {xml.lineNumber(), xml.columnNumber() + 1}; }
@@ -189,9 +206,9 @@ private:
         for (QXmlStreamAttribute const &given : xml.attributes()) {
             const auto isGiven = [&](char const *name) { return given.qualifiedName() == name; };
             if (std::none_of(allowed.begin(), allowed.end(), isGiven))
-                reports.report(place, "the attribute '" +
-                                          given.qualifiedName().toString().toStdString() +
-                                          "' is unknown");
+                reports.report(place, "the attribute " +
+                                          quoted(given.qualifiedName().toString().toStdString()) +
+                                          " is unknown");
         }
     }
 
@@ -204,8 +221,9 @@ private:
     std::string readName(char const *nameAttribute, char const *encodingAttribute)
     {
         if (!xml.attributes().hasAttribute(QLatin1String(nameAttribute)))
-            reports.report(place, std::string("the attribute '") + nameAttribute + "' is missing");
-        std::string name = decoded(attribute(nameAttribute), readEncoding(encodingAttribute));
+            reports.report(place, "the attribute " + quoted(nameAttribute) + " is missing");
+        std::string name =
+            decoded(attribute(nameAttribute), readEncoding(encodingAttribute), place);
         if (name.find('\0') != std::string::npos)
             reports.report(place, "a name holds no zero");
         return name;
@@ -225,29 +243,31 @@ private:
         if (!xml.attributes().hasAttribute(QLatin1String(name)))
             return false;
         if (attribute(name) != Text::base64)
-            reports.report(place, "the encoding '" + attribute(name) + "' is unknown");
+            reports.report(place, "the encoding " + quoted(attribute(name)) + " is unknown");
         return true;
     }
 
-    std::string decoded(std::string &&text, bool isEncoded)
+    std::string decoded(std::string &&text, bool isEncoded, Place at)
     {
         if (!isEncoded)
             return std::move(text);
-        const QByteArray bytes =
-            QByteArray::fromRawData(text.data(), static_cast<int>(text.size()));
-        const auto result = QByteArray::fromBase64Encoding(
-            bytes.trimmed(), QByteArray::Base64Encoding | QByteArray::AbortOnBase64DecodingErrors);
-        if (!result)
-            reports.report(place, "this is no base64");
-        return (*result).toStdString();
+        const QByteArray encoded =
+            QByteArray::fromRawData(text.data(), static_cast<int>(text.size())).trimmed();
+        const QByteArray bytes = QByteArray::fromBase64(encoded);
+        // Qt reads past what is no base64, or not the whole of it.
+        if (bytes.toBase64() != encoded)
+            reports.report(at, "this is no base64");
+        return bytes.toStdString();
     }
 
     Reports &reports;
     Ticker &ticker;
+    TagScanner scanner;
     QByteArray content; // Not a copy.
     QBuffer device;
     QXmlStreamReader xml;
-    Place place; // Where the current token begins.
+    Place place;   // Where the current token begins.
+    Place nextTag; // Where the next start tag begins.
 };
 
 } // namespace
