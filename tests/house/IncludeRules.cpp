@@ -122,7 +122,7 @@ QString baseNameOf(QString const &path)
 bool isSolver(QString const &path)
 {
     static const QRegularExpression solver(
-        "^graph/layout/(NetworkSimplex|SpanningTree|CutValueIndex)");
+        "^graph/layout/(NetworkSimplex|SpanningTree|CutValueIndex|CutSearch|FlatGraph|Tournament)");
     return solver.match(path).hasMatch();
 }
 

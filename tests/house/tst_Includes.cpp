@@ -216,7 +216,7 @@ void tst_Includes::allowedIncludesPass_data()
     row("engine has pictures and text", "graph/layout/Hierarchy.h", "<QPixmap>");
     row("solver knows itself", "graph/layout/NetworkSimplex.cpp",
         "\"zrVOMGUI/graph/layout/NetworkSimplex.h\"");
-    row("solver knows its tree", "graph/layout/NetworkSimplexSearch.cpp",
+    row("solver knows its tree", "graph/layout/CutSearch.cpp",
         "\"zrVOMGUI/graph/layout/SpanningTree.h\"");
     row("solver's index knows arithmetic", "graph/layout/CutValueIndex.cpp",
         "\"zrVOMGUI/foundation/util/text.h\"");

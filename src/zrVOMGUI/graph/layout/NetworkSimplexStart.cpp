@@ -95,21 +95,21 @@ private:
 /// Ranks by the longest path from the sources.
 void NetworkSimplex::initRanks()
 {
-    ranks.assign(vertexCount, std::numeric_limits<int>::min());
-    RingBuffer ready(vertexCount);
-    std::vector<unsigned> numOpenIn(vertexCount);
-    for (VertexId v = 0; v < vertexCount; ++v) {
-        numOpenIn[v] = inEdges.beginOf[v + 1] - inEdges.beginOf[v];
+    ranks.assign(graph.vertexCount, std::numeric_limits<int>::min());
+    RingBuffer ready(graph.vertexCount);
+    std::vector<unsigned> numOpenIn(graph.vertexCount);
+    for (VertexId v = 0; v < graph.vertexCount; ++v) {
+        numOpenIn[v] = graph.in(v).size();
         if (numOpenIn[v] == 0)
             ready.push(v);
     }
     while (!ready.empty()) {
         const VertexId v = ready.pop();
         int rank = 0;
-        for (Incident const &in : inEdges.at(v))
+        for (Incident const &in : graph.in(v))
             rank = std::max(rank, in.minLength + ranks[in.far]);
         ranks[v] = rank;
-        for (Incident const &out : outEdges.at(v))
+        for (Incident const &out : graph.out(v))
             if (--numOpenIn[out.far] == 0)
                 ready.push(out.far);
     }
@@ -120,24 +120,23 @@ void NetworkSimplex::initRanks()
 std::vector<NetworkSimplex::EdgeId> NetworkSimplex::growTree()
 {
     std::vector<EdgeId> treeEdges;
-    treeEdges.reserve(vertexCount);
+    treeEdges.reserve(graph.vertexCount);
     SlackHeap heap;
-    std::vector<bool> inTree(vertexCount, false);
-    std::vector<bool> isTreeEdge(edges.size(), false);
+    std::vector<bool> inTree(graph.vertexCount, false);
+    std::vector<bool> isTreeEdge(graph.edges.size(), false);
     const auto pushNonTreeEdges = [&](VertexId vertex) {
-        for (Incidence const *incidence : {&outEdges, &inEdges})
-            for (Incident const &incident : incidence->at(vertex))
-                if (!isTreeEdge[incident.edge])
-                    heap.push({slack(incident.edge), incident.edge});
+        for (Incident const &incident : graph.all(vertex))
+            if (!isTreeEdge[incident.edge])
+                heap.push({slack(incident.edge), incident.edge});
     };
-    for (EdgeId e = 0; e < edges.size() && heap.empty(); ++e)
+    for (EdgeId e = 0; e < graph.edges.size() && heap.empty(); ++e)
         if (slack(e) == 0)
             heap.push({0, e});
     while (!heap.empty()) {
         // The slack was right when pushed and still is: the end outside the tree hasn't moved
         // since.
         const auto [edgeSlack, e] = heap.pop();
-        const auto [tail, head] = ends(e);
+        const auto [tail, head, weight, minLength] = graph.edges[e];
         if (inTree[tail] && inTree[head])
             continue;
         if (inTree[tail])
@@ -159,21 +158,21 @@ std::vector<NetworkSimplex::EdgeId> NetworkSimplex::growTree()
 /// lies close together. No choice depends on these numbers but that of the root, which stays 0.
 void NetworkSimplex::renumberVertices(std::vector<EdgeId> const &treeEdges)
 {
-    std::vector<unsigned> beginOf(static_cast<std::size_t>(vertexCount) + 1, 0);
+    std::vector<unsigned> beginOf(static_cast<std::size_t>(graph.vertexCount) + 1, 0);
     for (EdgeId e : treeEdges) {
-        ++beginOf[edges[e].tail];
-        ++beginOf[edges[e].head];
+        ++beginOf[graph.edges[e].tail];
+        ++beginOf[graph.edges[e].head];
     }
-    for (std::size_t v = 1; v <= vertexCount; ++v)
+    for (std::size_t v = 1; v <= graph.vertexCount; ++v)
         beginOf[v] += beginOf[v - 1];
     std::vector<VertexId> neighbours(2 * treeEdges.size());
     for (EdgeId e : treeEdges) {
-        neighbours[--beginOf[edges[e].tail]] = edges[e].head;
-        neighbours[--beginOf[edges[e].head]] = edges[e].tail;
+        neighbours[--beginOf[graph.edges[e].tail]] = graph.edges[e].head;
+        neighbours[--beginOf[graph.edges[e].head]] = graph.edges[e].tail;
     }
 
-    numberOf.assign(vertexCount, none);
-    std::vector<int> newRanks(vertexCount);
+    numberOf.assign(graph.vertexCount, none);
+    std::vector<int> newRanks(graph.vertexCount);
     std::vector<VertexId> open{0};
     VertexId next = 0;
     while (!open.empty()) {
@@ -185,24 +184,22 @@ void NetworkSimplex::renumberVertices(std::vector<EdgeId> const &treeEdges)
             if (numberOf[neighbours[i]] == none)
                 open.push_back(neighbours[i]);
     }
-    assert(next == vertexCount && "The graph isn't connected.");
+    assert(next == graph.vertexCount && "The graph isn't connected.");
     ranks = std::move(newRanks);
-    for (Edge &edge : edges) {
+    for (auto &edge : graph.edges) {
         edge.tail = numberOf[edge.tail];
         edge.head = numberOf[edge.head];
     }
-    buildIncidence();
+    graph.buildIncidence();
 }
 
-void NetworkSimplex::plantTree(std::vector<EdgeId> const &treeEdges)
+SpanningTree NetworkSimplex::plantTree(std::vector<EdgeId> const &treeEdges) const
 {
-    tree = SpanningTree(vertexCount, static_cast<unsigned>(edges.size()));
+    std::vector<SpanningTree::Edge> withEnds;
+    withEnds.reserve(treeEdges.size());
     for (EdgeId e : treeEdges)
-        tree.append(e, ends(e));
-    setCutValues(tree.root());
-    path.resize(1);
-    smallSide.resize(vertexCount);
-    firstBranch.resize(vertexCount);
+        withEnds.push_back({e, {graph.edges[e].tail, graph.edges[e].head}});
+    return SpanningTree(graph.vertexCount, static_cast<unsigned>(graph.edges.size()), withEnds);
 }
 
 } // namespace ZR::VOM::GUI::Graph

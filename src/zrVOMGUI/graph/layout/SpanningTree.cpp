@@ -5,129 +5,161 @@
 
 namespace ZR::VOM::GUI::Graph {
 
-SpanningTree::SpanningTree(unsigned numVertices, unsigned numEdges)
+SpanningTree::SpanningTree(unsigned numVertices, unsigned numEdges,
+                           std::vector<Edge> const &treeEdges)
     : vertices(numVertices)
-    , edges(numEdges)
+    , nextOf(numVertices)
+    , placeOfEdge(numEdges, none)
 {
-    edgeOfPlace.reserve(numVertices);
-}
-
-void SpanningTree::append(unsigned edge, Ends ends)
-{
-    edges[edge].place = static_cast<unsigned>(edgeOfPlace.size());
-    edgeOfPlace.push_back(edge);
-    enterLists(edge, ends);
-}
-
-std::vector<unsigned> SpanningTree::root()
-{
-    assert(edgeOfPlace.size() + 1 == vertices.size() && "The graph isn't connected.");
-    std::vector<unsigned> order;
-    order.reserve(vertices.size());
-    order.push_back(0);
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        const unsigned v = order[i];
-        const auto adopt = [&](unsigned edge, unsigned child) {
-            if (edge == vertices[v].parentEdge)
-                return;
-            vertices[child].parent = v;
-            vertices[child].parentEdge = edge;
-            order.push_back(child);
-        };
-        for (unsigned e = firstOut(v); e != none; e = nextOut(e))
-            adopt(e, head(e));
-        for (unsigned e = firstIn(v); e != none; e = nextIn(e))
-            adopt(e, tail(e));
+    assert(treeEdges.size() + 1 == numVertices && "The graph isn't connected.");
+    places.reserve(treeEdges.size());
+    for (Edge const &edge : treeEdges) {
+        placeOfEdge[edge.id] = numPlaces();
+        places.push_back({edge.id, nextAge++});
     }
-    for (std::size_t i = order.size(); i-- > 1;)
-        vertices[vertices[order[i]].parent].size += vertices[order[i]].size;
-    return order;
+    root(treeEdges);
 }
 
-void SpanningTree::exchange(unsigned leaving, unsigned entering, Ends enteringEnds, unsigned lower)
+/// Finds all parents and sizes, and lays the thread.
+void SpanningTree::root(std::vector<Edge> const &treeEdges)
 {
-    const Ends leavingEnds = edges[leaving].ends;
-    const bool tailWasBelow = parentEdge(leavingEnds.tail) == leaving;
-    const unsigned oldRoot = tailWasBelow ? leavingEnds.tail : leavingEnds.head;
-    const unsigned oldParent = tailWasBelow ? leavingEnds.head : leavingEnds.tail;
-    const unsigned upper = lower == enteringEnds.tail ? enteringEnds.head : enteringEnds.tail;
-    const unsigned movedSize = size(oldRoot);
-    const unsigned ancestor = commonAncestor(oldParent, upper);
-    resizeUpTo(oldParent, ancestor, 0u - movedSize);
-    resizeUpTo(upper, ancestor, movedSize);
+    struct Neighbour {
+        unsigned edge, vertex;
+    };
+    std::vector<unsigned> beginOf(vertices.size() + 1, 0);
+    for (Edge const &edge : treeEdges)
+        for (unsigned end : edge.ends)
+            ++beginOf[end];
+    for (std::size_t v = 1; v < beginOf.size(); ++v)
+        beginOf[v] += beginOf[v - 1];
+    std::vector<Neighbour> neighbours(2 * treeEdges.size());
+    for (Edge const &edge : treeEdges)
+        for (int i : {0, 1})
+            neighbours[--beginOf[edge.ends[i]]] = {edge.id, edge.ends[1 - i]};
 
-    // Turns the path from the new end up to the old root of the subtree upside down.
-    unsigned v = lower;
-    unsigned newParent = upper, newParentEdge = entering;
+    std::vector<unsigned> open{0};
+    unsigned previous = 0;
+    while (!open.empty()) {
+        const unsigned v = open.back();
+        open.pop_back();
+        link(previous, v);
+        previous = v;
+        for (unsigned n = beginOf[v]; n < beginOf[v + 1]; ++n) {
+            const auto [edge, vertex] = neighbours[n];
+            if (edge == parentEdge(v))
+                continue;
+            vertices[vertex].parent = v;
+            vertices[vertex].parentEdge = edge;
+            open.push_back(vertex);
+        }
+    }
+    link(previous, 0);
+
+    for (unsigned v = 0; v < numVertices(); ++v)
+        vertices[v].last = v;
+    for (unsigned v = vertices[0].previous; v != 0; v = vertices[v].previous) {
+        Vertex &above = vertices[parent(v)];
+        above.subtreeSize += size(v);
+        if (above.last == parent(v)) // Its last child comes first here.
+            above.last = vertices[v].last;
+    }
+}
+
+void SpanningTree::exchange(Exchange const &exchange)
+{
+    const auto [leaving, child, entering, lower, upper] = exchange;
+    const unsigned ancestor = commonAncestor(parent(child), upper);
+    resizeUpTo(parent(child), ancestor, 0u - size(child));
+    resizeUpTo(upper, ancestor, size(child));
+
+    takeOutOfThread(child);
+    const unsigned last = turnThread(lower, child);
+    turnPath(exchange, last);
+    putIntoThread(lower, last, upper);
+
+    placeOfEdge[entering] = std::exchange(placeOfEdge[leaving], none);
+    places[placeOfEdge[entering]] = {entering, nextAge++};
+}
+
+/// Turns the path from the new end up to the old root of the subtree upside down.
+void SpanningTree::turnPath(Exchange const &exchange, unsigned last)
+{
+    const unsigned movedSize = size(exchange.child);
+    unsigned newParent = exchange.upper, newParentEdge = exchange.entering;
     unsigned sizeBelow = 0; // Of what hung below v on the path.
+    unsigned v = exchange.lower;
     for (bool done = false; !done;) {
-        done = v == oldRoot;
+        done = v == exchange.child;
         Vertex &vertex = vertices[v];
-        const unsigned next = std::exchange(vertex.parent, newParent);
+        const unsigned above = std::exchange(vertex.parent, newParent);
         newParent = v;
         newParentEdge = std::exchange(vertex.parentEdge, newParentEdge);
-        sizeBelow = std::exchange(vertex.size, movedSize - sizeBelow);
-        v = next;
+        sizeBelow = std::exchange(vertex.subtreeSize, movedSize - sizeBelow);
+        vertex.last = last;
+        v = above;
     }
-
-    edges[entering].place = std::exchange(edges[leaving].place, none);
-    edgeOfPlace[edges[entering].place] = entering;
-    leaveLists(leaving);
-    enterLists(entering, enteringEnds);
 }
 
-bool SpanningTree::isLeaf(unsigned vertex) const
+void SpanningTree::link(unsigned vertex, unsigned next)
 {
-    List const &in = vertices[vertex].in;
-    List const &out = vertices[vertex].out;
-    return in.first == in.last && out.first == out.last && (in.first == none || out.first == none);
+    nextOf[vertex] = next;
+    vertices[next].previous = vertex;
+}
+
+void SpanningTree::takeOutOfThread(unsigned subtree)
+{
+    const unsigned before = vertices[subtree].previous;
+    replaceLast(parent(subtree), vertices[subtree].last, before);
+    link(before, nextOutside(subtree));
+}
+
+/// Changes the order of a subtree that was taken out to the preorder from another one of its
+/// vertices, and returns the last one. Parents and last vertices are still the old ones.
+unsigned SpanningTree::turnThread(unsigned lower, unsigned subtree)
+{
+    unsigned last = vertices[lower].last;
+    // What comes before and behind the old subtree of `below`.
+    unsigned before = vertices[lower].previous, behind = nextOf[last];
+    for (unsigned below = lower; below != subtree;) {
+        const unsigned above = parent(below);
+        const unsigned end = vertices[above].last;
+        const bool endsWithBelow = end == vertices[below].last;
+        const unsigned beforeAbove = vertices[above].previous;
+        const unsigned behindAbove = endsWithBelow ? behind : nextOf[end];
+        link(last, above);
+        if (!endsWithBelow)
+            link(before, behind);
+        last = endsWithBelow ? before : end;
+        before = beforeAbove;
+        behind = behindAbove;
+        below = above;
+    }
+    return last;
+}
+
+/// Puts a stretch that was taken out behind the vertex that it hangs below now.
+void SpanningTree::putIntoThread(unsigned first, unsigned last, unsigned above)
+{
+    const unsigned behind = nextOf[above];
+    const bool wasLeaf = vertices[above].last == above;
+    link(above, first);
+    link(last, behind);
+    if (wasLeaf)
+        replaceLast(above, above, last);
+}
+
+/// Where a vertex and its ancestors have this last vertex of their subtrees, gives them another
+/// one.
+void SpanningTree::replaceLast(unsigned from, unsigned oldLast, unsigned newLast)
+{
+    for (unsigned v = from; v != none && vertices[v].last == oldLast; v = parent(v))
+        vertices[v].last = newLast;
 }
 
 void SpanningTree::resizeUpTo(unsigned from, unsigned ancestor, unsigned growth)
 {
-    for (unsigned v = from; v != ancestor; v = vertices[v].parent)
-        vertices[v].size += growth;
-}
-
-void SpanningTree::enterLists(unsigned edge, Ends ends)
-{
-    edges[edge].ends = ends;
-    edges[edge].age = nextAge++;
-    pushBack<&Edge::out>(vertices[ends.tail].out, edge);
-    pushBack<&Edge::in>(vertices[ends.head].in, edge);
-}
-
-void SpanningTree::leaveLists(unsigned edge)
-{
-    erase<&Edge::out>(vertices[tail(edge)].out, edge);
-    erase<&Edge::in>(vertices[head(edge)].in, edge);
-}
-
-template <SpanningTree::Neighbours SpanningTree::Edge::*side>
-void SpanningTree::pushBack(List &list, unsigned edge)
-{
-    Neighbours &own = edges[edge].*side;
-    own.previous = list.last;
-    own.next = none;
-    if (list.last == none)
-        list.first = edge;
-    else
-        (edges[list.last].*side).next = edge;
-    list.last = edge;
-}
-
-template <SpanningTree::Neighbours SpanningTree::Edge::*side>
-void SpanningTree::erase(List &list, unsigned edge)
-{
-    const Neighbours own = edges[edge].*side;
-    if (own.previous == none)
-        list.first = own.next;
-    else
-        (edges[own.previous].*side).next = own.next;
-    if (own.next == none)
-        list.last = own.previous;
-    else
-        (edges[own.next].*side).previous = own.previous;
+    for (unsigned v = from; v != ancestor; v = parent(v))
+        vertices[v].subtreeSize += growth;
 }
 
 } // namespace ZR::VOM::GUI::Graph

@@ -12,99 +12,89 @@ namespace ZR::VOM::GUI::Graph {
 ///
 /// Keeps for each vertex its parent and the size of its subtree, in place of postorder numbers:
 /// sizes grow strictly from a vertex to its ancestors, which is enough to find a last common
-/// ancestor and to refute most claims of descent at once, and an exchange changes them on two paths
-/// only, while postorder numbers change in whole subtrees.
+/// ancestor, and an exchange changes them on two paths only, while postorder numbers change in
+/// whole subtrees. A thread runs through all vertices in preorder and from the last one back to the
+/// root, so that the vertices of a subtree, and those of the rest, are a stretch of it. An exchange
+/// changes it at the vertices of the path that it turns upside down.
 class SpanningTree {
 public:
     static constexpr unsigned none = std::numeric_limits<unsigned>::max();
 
-    struct Ends {
-        unsigned tail, head;
+    /// An edge and its ends, in any order.
+    struct Edge {
+        unsigned id;
+        unsigned ends[2];
+    };
+    /// The exchange of a tree edge for another edge that joins the two sides which the old one
+    /// joined: each edge with its end in the subtree below the old one, and the new edge's other
+    /// end.
+    struct Exchange {
+        unsigned leaving, child;
+        unsigned entering, lower, upper;
     };
 
-    /// An empty tree.
-    SpanningTree(unsigned numVertices, unsigned numEdges);
+    /// The tree of these edges, which are all that it takes, in the order of their entry. Edges of
+    /// the graph have ids below numEdges.
+    SpanningTree(unsigned numVertices, unsigned numEdges, std::vector<Edge> const &treeEdges);
 
-    /// Takes an edge in. For growing the tree, before root().
-    void append(unsigned edge, Ends ends);
-    /// Finds parents and sizes, once the tree spans the graph. Returns the vertices, each behind
-    /// its parent.
-    std::vector<unsigned> root();
-
-    /// Puts `entering` in the place of `leaving`. The new edge joins the two sides that the old one
-    /// joined; its end in the subtree below the old one is `lower`.
-    void exchange(unsigned leaving, unsigned entering, Ends enteringEnds, unsigned lower);
+    void exchange(Exchange const &exchange);
 
     unsigned numVertices() const { return static_cast<unsigned>(vertices.size()); }
     unsigned parent(unsigned vertex) const { return vertices[vertex].parent; }
     unsigned parentEdge(unsigned vertex) const { return vertices[vertex].parentEdge; }
-    unsigned size(unsigned vertex) const { return vertices[vertex].size; }
-    bool contains(unsigned edge) const { return edges[edge].place != none; }
-    /// When the edge entered, compared with others: lists of tree edges are in this order.
-    unsigned age(unsigned edge) const { return edges[edge].age; }
+    /// The number of vertices in the subtree, the vertex among them.
+    unsigned size(unsigned vertex) const { return vertices[vertex].subtreeSize; }
+    /// The vertex behind another one in preorder; the root behind the last one of all.
+    unsigned next(unsigned vertex) const { return nextOf[vertex]; }
+    unsigned previous(unsigned vertex) const { return vertices[vertex].previous; }
+    /// The vertex behind the whole subtree of another one.
+    unsigned nextOutside(unsigned vertex) const { return nextOf[vertices[vertex].last]; }
+    bool contains(unsigned edge) const { return placeOfEdge[edge] != none; }
+    /// When a tree edge entered, compared with others.
+    unsigned age(unsigned edge) const { return places[placeOfEdge[edge]].age; }
     /// The edge's place in the list of all tree edges; an entering edge takes that of the leaving
     /// one.
-    unsigned place(unsigned edge) const { return edges[edge].place; }
-    unsigned edgeAt(unsigned place) const { return edgeOfPlace[place]; }
-    std::vector<unsigned> const &allEdges() const { return edgeOfPlace; }
-
-    /// The ends of a tree edge.
-    unsigned tail(unsigned edge) const { return edges[edge].ends.tail; }
-    unsigned head(unsigned edge) const { return edges[edge].ends.head; }
-    /// The tree edges that arrive at or leave from a vertex, oldest first.
-    unsigned firstIn(unsigned vertex) const { return vertices[vertex].in.first; }
-    unsigned nextIn(unsigned edge) const { return edges[edge].in.next; }
-    unsigned firstOut(unsigned vertex) const { return vertices[vertex].out.first; }
-    unsigned nextOut(unsigned edge) const { return edges[edge].out.next; }
-    /// Whether the vertex has one tree edge at most.
-    bool isLeaf(unsigned vertex) const;
-
-    /// A place for a walk to note something at a vertex it looks at anyway.
-    unsigned &mark(unsigned vertex) { return vertices[vertex].mark; }
+    unsigned place(unsigned edge) const { return placeOfEdge[edge]; }
+    unsigned edgeAt(unsigned place) const { return places[place].edge; }
+    unsigned numPlaces() const { return static_cast<unsigned>(places.size()); }
 
     unsigned commonAncestor(unsigned a, unsigned b) const
     {
         while (a != b) {
-            if (vertices[a].size <= vertices[b].size)
-                a = vertices[a].parent;
+            if (size(a) <= size(b))
+                a = parent(a);
             else
-                b = vertices[b].parent;
+                b = parent(b);
         }
         return a;
     }
 
 private:
-    struct List {
-        unsigned first = none, last = none;
-    };
-    struct Neighbours {
-        unsigned previous = none, next = none;
-    };
     struct Vertex {
         unsigned parent = none;
         unsigned parentEdge = none;
-        unsigned size = 1;
-        unsigned mark = none;
-        List in, out;
+        unsigned subtreeSize = 1;
+        unsigned last = 0; // Of the subtree, in preorder.
+        unsigned previous = 0;
     };
-    struct Edge {
-        Ends ends{none, none};
-        unsigned place = none;
-        unsigned age = 0;
-        Neighbours in, out;
+    struct Place {
+        unsigned edge;
+        unsigned age;
     };
 
-    void enterLists(unsigned edge, Ends ends);
-    void leaveLists(unsigned edge);
-    template <Neighbours Edge::*side>
-    void pushBack(List &list, unsigned edge);
-    template <Neighbours Edge::*side>
-    void erase(List &list, unsigned edge);
+    void root(std::vector<Edge> const &treeEdges);
+    void link(unsigned vertex, unsigned next);
+    void takeOutOfThread(unsigned subtree);
+    unsigned turnThread(unsigned lower, unsigned subtree);
+    void putIntoThread(unsigned first, unsigned last, unsigned above);
+    void replaceLast(unsigned from, unsigned oldLast, unsigned newLast);
+    void turnPath(Exchange const &exchange, unsigned last);
     void resizeUpTo(unsigned from, unsigned ancestor, unsigned growth);
 
     std::vector<Vertex> vertices;
-    std::vector<Edge> edges;
-    std::vector<unsigned> edgeOfPlace;
+    std::vector<unsigned> nextOf; // By vertex; a walk along the thread looks at nothing else.
+    std::vector<unsigned> placeOfEdge;
+    std::vector<Place> places;
     unsigned nextAge = 0;
 };
 
