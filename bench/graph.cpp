@@ -10,7 +10,7 @@
 
 #include "support/GraphModel.h"
 #include "support/GraphViewAccess.h"
-#include "support/statistics.h"
+#include "support/Table.h"
 
 #include <QApplication>
 #include <QImage>
@@ -21,42 +21,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <map>
 
 namespace {
 
 using ZR::VOM::GUI::ObjectGraphView;
-
-class Table {
-public:
-    void add(std::string const &operation, unsigned numNodes, std::vector<double> times)
-    {
-        const double time = medianOf(std::move(times));
-        double &before = last[operation];
-        if (before > 0)
-            std::printf("%-14s %8u %12.3f %8.1f\n", operation.c_str(), numNodes, time * 1000,
-                        time / before);
-        else
-            std::printf("%-14s %8u %12.3f\n", operation.c_str(), numNodes, time * 1000);
-        std::fflush(stdout);
-        before = time;
-    }
-
-private:
-    std::map<std::string, double> last; // By operation.
-};
-
-template <class Operation>
-std::vector<double> timesOf(int repeat, Operation const &operation)
-{
-    std::vector<double> times;
-    for (int i = 0; i < repeat; ++i) {
-        const double start = wallTime();
-        operation();
-        times.push_back(wallTime() - start);
-    }
-    return times;
-}
 
 /// A forest whose trees have about a hundred nodes, with a second link from each node across its
 /// tree: what a large model looks like, and laid out in no time.
@@ -136,7 +104,6 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "usage: graph [--largest NODES]\n");
         return 2;
     }
-    std::printf("%-14s %8s %12s %8s\n", "operation", "nodes", "ms", "growth");
     Table table;
     for (unsigned numNodes = 1000; numNodes <= largest; numNodes *= 10)
         measure(numNodes, table);
