@@ -1,6 +1,8 @@
 #include "zrVOMGUI/graph/layout/Routes.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 #include <vector>
 
 namespace ZR::VOM::GUI::Graph {
@@ -206,16 +208,18 @@ private:
         }
     }
 
+    /// In the order of the set, which then takes them in constant time each.
     bool collect(NodeSet &route) const
     {
-        bool found = false;
-        for (Place const &place : places) {
-            if (!place.onRoute)
-                continue;
-            route.emplace(*place.node);
-            found = true;
-        }
-        return found;
+        std::vector<Node *> found;
+        for (Place const &place : places)
+            if (place.onRoute)
+                found.push_back(place.node);
+        std::sort(found.begin(), found.end(), std::less<Node *>());
+        auto next = route.begin();
+        for (Node *node : found)
+            next = std::next(route.emplace_hint(next, *node));
+        return !found.empty();
     }
 
     std::vector<Place> places; // Closed nodes first.
