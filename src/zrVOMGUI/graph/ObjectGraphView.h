@@ -206,7 +206,7 @@ public:
     PropT<double> animDuration; ///< Seconds of every animation, used within 0 to 60; 2 by default.
     PropT<bool> tooltip;        ///< Whether nodes have tooltips; false by default.
 
-    /// The user changed the selection, or a selected node was shown or hidden.
+    /// The user changed the selection, or setVisible() showed or hid a selected node.
     SignalT<SigVoidData> sigSel;
     /// A context menu is asked for.
     SignalT<SigPopupMenuData> sigPopupMenu;
