@@ -23,7 +23,7 @@ using NodeSet = std::set<RefT<Node>>;
 /// Algorithms for Graph Manipulation (CACM 16(6), 1973), with a stack of nodes instead of edges.
 class RouteSearch {
 public:
-    /// Keeps off `closed`.
+    /// Keeps off the nodes in `closed`, but for `start`.
     explicit RouteSearch(NodeSet const &closed, RefT<Node> const &start = {})
     {
         for (RefT<Node> const &node : closed)
