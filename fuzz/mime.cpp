@@ -10,15 +10,15 @@
 #include "zrVOMGUI/transfer/MimeData.h"
 #include "zrVOMGUI/transfer/MimeTypes.h"
 
+#include "require.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <iostream>
 #include <memory>
 
 using namespace ZR;
@@ -28,14 +28,6 @@ using Model = VOM::Object;
 using Objects = std::vector<RefT<Model>>;
 
 namespace {
-
-void require(bool holds, char const *what)
-{
-    if (holds)
-        return;
-    std::cerr << "Doesn't hold: " << what << std::endl;
-    std::abort();
-}
 
 /// An importer that raises, reports, or takes the text, by its first byte.
 class SomeImporter : public VOM::Xml::Importer {

@@ -56,6 +56,7 @@ private slots:
     void classIsThatOfTheObject();
     void addedFieldsStandBehindThoseOfTheClass();
     void fieldThatIsNoneOfTheSevenKindsIsLeftOut();
+    void plainObjectsSurvive();
     void objectOnTheStackIsWritten();
 
     void chainOfOwnersNeedsNoNesting();
@@ -394,6 +395,20 @@ void tst_XmlRoundTrip::fieldThatIsNoneOfTheSevenKindsIsLeftOut()
     const RefT<Object> copy = xmlRoundTrip(root);
     QVERIFY(copy);
     QCOMPARE(modelText(copy), modelText(makeThing("root")));
+}
+
+void tst_XmlRoundTrip::plainObjectsSurvive()
+{
+    const RefT<ClassRegistry> registry(new ClassRegistry);
+    registry->add<Object>(ClassRegistry::Fields::Open);
+    const RefT<Object> house(new Object), door(new Object);
+    addField<FieldString>(*house, "name", "house");
+    addField<FieldRef>(*house, "part", door);
+    addField<FieldString>(*door, "name", "door");
+    XmlErrors errors;
+    const RefT<Object> copy = fromXml(toXml(house, errors.manager), registry, errors.manager);
+    QCOMPARE(errors.text(), std::string());
+    QCOMPARE(modelText(copy), modelText(house));
 }
 
 void tst_XmlRoundTrip::objectOnTheStackIsWritten()

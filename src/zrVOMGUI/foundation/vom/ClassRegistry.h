@@ -12,10 +12,6 @@
 namespace ZR::VOM {
 
 /// The classes that an importer may make, by name, and how. Empty at first; the host fills it.
-///
-///     const RefT<ClassRegistry> registry(new ClassRegistry);
-///     registry->add<Package>();
-///     registry->add<Object>(ClassRegistry::Fields::Open);
 class ZRVOM_EXPORT ClassRegistry : public Class {
 public:
     /// Makes a new object on each call. What it raises, and null, counts as a failure.

@@ -10,6 +10,11 @@ namespace ZR::VOM {
 
 /// Reads what XmlExporter wrote.
 ///
+///     const RefT<ClassRegistry> registry(new ClassRegistry);
+///     registry->add<Package>();                            // All fields made by its constructor.
+///     registry->add<Object>(ClassRegistry::Fields::Open);  // Fields added by addField().
+///     const RefT<Object> copy = fromXml(toXml(house, errors), registry, errors);
+///
 /// The target takes the place of the document's first object, whose class must be the target's. Its
 /// fields of the names in the document get the values there; its other fields stay. The registry
 /// needs to know the target's class only if that may get further fields.

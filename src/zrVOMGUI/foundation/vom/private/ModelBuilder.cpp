@@ -247,8 +247,9 @@ void ModelBuilder::fillTarget()
 void ModelBuilder::restoreTarget() noexcept
 {
     keepsUndo = false;
+    const Place root = document.objects.front().place;
     for (; !undo.empty(); undo.pop_back())
-        reports.guard([&] { reports.attempt({}, "the target can't be restored: ", undo.back()); });
+        quietly([&] { reports.attempt(root, "the target can't be restored: ", undo.back()); });
 }
 
 void ModelBuilder::dismantle() noexcept
