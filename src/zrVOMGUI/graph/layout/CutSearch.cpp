@@ -14,6 +14,14 @@ constexpr int maxPendingShift = 1 << 29;
 
 } // namespace
 
+TreeCut::TreeCut(FlatGraph const &graph, SpanningTree const &tree, FlatGraph::EdgeId treeEdge)
+    : edge(treeEdge)
+    , childIsHead(tree.parentEdge(graph.edges[treeEdge].head) == treeEdge)
+{
+    child = childIsHead ? graph.edges[edge].head : graph.edges[edge].tail;
+    parent = graph.otherEnd(edge, child);
+}
+
 CutSearch::CutSearch(FlatGraph const &ofGraph, SpanningTree const &ofTree,
                      std::vector<int> &ofRanks)
     : graph(ofGraph)
@@ -25,14 +33,7 @@ CutSearch::CutSearch(FlatGraph const &ofGraph, SpanningTree const &ofTree,
 {
 }
 
-CutSearch::Cut CutSearch::cutAt(EdgeId treeEdge) const
-{
-    const auto [tail, head, weight, minLength] = graph.edges[treeEdge];
-    const bool childIsHead = tree.parentEdge(head) == treeEdge;
-    return {treeEdge, childIsHead ? head : tail, childIsHead ? tail : head, childIsHead};
-}
-
-CutSearch::Candidate CutSearch::firstOfLeastSlack(Cut const &cut)
+CutSearch::Candidate CutSearch::firstOfLeastSlack(TreeCut const &cut)
 {
     const int slack = leastSlack(cut);
     if (ties.empty())
@@ -40,14 +41,8 @@ CutSearch::Candidate CutSearch::firstOfLeastSlack(Cut const &cut)
     return {slack, ties.size() == 1 ? ties.front() : firstMet(cut)};
 }
 
-CutSearch::Candidate CutSearch::anyOfLeastSlack(Cut const &cut)
-{
-    const int slack = leastSlack(cut);
-    return {slack, ties.empty() ? none : ties.front()};
-}
-
 /// Goes over to the cut. The edges of least slack are the ties afterwards.
-int CutSearch::leastSlack(Cut const &cut)
+int CutSearch::leastSlack(TreeCut const &cut)
 {
     ties.clear();
     const Between between = whatIsBetween(cut);
@@ -65,7 +60,7 @@ int CutSearch::leastSlack(Cut const &cut)
     return lowest + (runsOut ? -pendingShift : pendingShift);
 }
 
-unsigned CutSearch::smallerSize(Cut const &cut) const
+unsigned CutSearch::smallerSize(TreeCut const &cut) const
 {
     return std::min(tree.size(cut.child), graph.vertexCount - tree.size(cut.child));
 }
@@ -101,7 +96,7 @@ void CutSearch::settleRanks()
 
 // Anew.
 
-int CutSearch::searchAnew(Cut const &cut)
+int CutSearch::searchAnew(TreeCut const &cut)
 {
     ++mark;
     const unsigned subtreeSize = tree.size(cut.child);
@@ -164,11 +159,11 @@ int CutSearch::lookAtCollectedAlong()
 
 /// What lies between the present cut and another one, where they are near each other and the
 /// present one can be followed to it.
-CutSearch::Between CutSearch::whatIsBetween(Cut const &cut) const
+CutSearch::Between CutSearch::whatIsBetween(TreeCut const &cut) const
 {
     if (bridge == none || bridge == cut.edge || std::abs(pendingShift) > maxPendingShift)
         return {};
-    const VertexId present = cutAt(bridge).child;
+    const VertexId present = TreeCut(graph, tree, bridge).child;
     const bool isSmaller = tree.size(cut.child) < tree.size(present);
     const VertexId smaller = isSmaller ? cut.child : present;
     const VertexId larger = isSmaller ? present : cut.child;
@@ -203,7 +198,7 @@ CutSearch::Kinship CutSearch::kinship(VertexId smaller, VertexId larger, unsigne
 }
 
 /// Whether the edges looked for run out of the marked side once what is between has changed sides.
-bool CutSearch::willRunOut(Cut const &cut, Between const &between) const
+bool CutSearch::willRunOut(TreeCut const &cut, Between const &between) const
 {
     const VertexId farEnd = graph.otherEnd(cut.edge, between.nearEnd);
     return graph.edges[cut.edge].head == (isMarked(between.nearEnd) ? farEnd : between.nearEnd);
@@ -238,7 +233,7 @@ void CutSearch::endFollowing()
 }
 
 /// Moves the vertices between the present cut and the new one to the other side.
-void CutSearch::crossOver(Cut const &cut, Between const &between)
+void CutSearch::crossOver(TreeCut const &cut, Between const &between)
 {
     const bool toMarked = !isMarked(between.nearEnd);
     collect(between.first, between.num, between.skippedSubtree);
@@ -276,7 +271,7 @@ void CutSearch::setSlack(EdgeId edge, int slack)
 ///
 /// At each vertex on the way from a tie up to the root of the subtree, the branch that the walk
 /// would take first is kept. From the root, these branches lead to the answer.
-CutSearch::EdgeId CutSearch::firstMet(Cut const &cut)
+CutSearch::EdgeId CutSearch::firstMet(TreeCut const &cut)
 {
     const auto nearEnd = [&](EdgeId e) {
         return cut.childIsHead ? graph.edges[e].tail : graph.edges[e].head;

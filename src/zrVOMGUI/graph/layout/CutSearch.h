@@ -10,6 +10,15 @@
 
 namespace ZR::VOM::GUI::Graph {
 
+/// A cut of the network simplex's tree: the subtree below one edge, and the rest.
+struct TreeCut {
+    TreeCut(FlatGraph const &graph, SpanningTree const &tree, FlatGraph::EdgeId treeEdge);
+
+    FlatGraph::EdgeId edge;
+    FlatGraph::VertexId child, parent; // The edge's ends, in the subtree and outside.
+    bool childIsHead; // The edges against this one run out of the subtree; else into it.
+};
+
 /// Finds the edges of least slack across a cut of the network simplex's tree, and moves one side
 /// of the cut.
 ///
@@ -28,13 +37,6 @@ public:
     using EdgeId = FlatGraph::EdgeId;
     static constexpr unsigned none = FlatGraph::none;
 
-    /// A cut of the tree: the subtree below one edge, and the rest.
-    struct Cut {
-        EdgeId edge;
-        VertexId child;   // The edge's end in the subtree,
-        VertexId parent;  // and the other one.
-        bool childIsHead; // Edges that run out of the subtree are looked for; else into it.
-    };
     struct Candidate {
         int slack;
         EdgeId edge; // none when no edge crosses.
@@ -43,14 +45,10 @@ public:
     /// Works on these for as long as it lives. Ranks are its own business until settleRanks().
     CutSearch(FlatGraph const &graph, SpanningTree const &tree, std::vector<int> &ranks);
 
-    Cut cutAt(EdgeId treeEdge) const;
-
     /// The edge of least slack; of several, the one that a walk through the subtree meets first
     /// which goes from its root along the edges of the searched direction by id, and then against
     /// tree edges by age.
-    Candidate firstOfLeastSlack(Cut const &cut);
-    /// Any edge of least slack.
-    Candidate anyOfLeastSlack(Cut const &cut);
+    Candidate firstOfLeastSlack(TreeCut const &cut);
 
     /// Stretches the edge of the cut asked about last by `delta`, with all that hangs on it.
     void stretch(int delta);
@@ -96,7 +94,7 @@ private:
         VertexId nearEnd = none; // Of the other cut's edge, which is one of them.
     };
 
-    unsigned smallerSize(Cut const &cut) const;
+    unsigned smallerSize(TreeCut const &cut) const;
     bool isMarked(VertexId vertex) const { return markOf[vertex] == mark; }
     /// With the ranks as they stand, settled or not.
     int rawSlack(VertexId tail, VertexId head, int minLength) const
@@ -104,24 +102,24 @@ private:
         return ranks[head] - ranks[tail] - minLength;
     }
 
-    int leastSlack(Cut const &cut);
+    int leastSlack(TreeCut const &cut);
 
-    int searchAnew(Cut const &cut);
+    int searchAnew(TreeCut const &cut);
     void collect(VertexId first, unsigned num, VertexId skippedSubtree);
     int lookAtCollected();
     template <bool out>
     int lookAtCollectedAlong();
 
-    Between whatIsBetween(Cut const &cut) const;
+    Between whatIsBetween(TreeCut const &cut) const;
     Kinship kinship(VertexId smaller, VertexId larger, unsigned maxSteps) const;
-    bool willRunOut(Cut const &cut, Between const &between) const;
+    bool willRunOut(TreeCut const &cut, Between const &between) const;
     void beginFollowing(bool outOfMarked);
-    void crossOver(Cut const &cut, Between const &between);
+    void crossOver(TreeCut const &cut, Between const &between);
     void noteWhetherCrossing(EdgeId edge, VertexId tail, VertexId head, int minLength);
     void setSlack(EdgeId edge, int slack);
     void endFollowing();
 
-    EdgeId firstMet(Cut const &cut);
+    EdgeId firstMet(TreeCut const &cut);
 
     FlatGraph const &graph;
     SpanningTree const &tree;

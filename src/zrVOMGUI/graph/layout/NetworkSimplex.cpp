@@ -22,10 +22,8 @@ void NetworkSimplex::solve()
     renumberVertices(treeEdges);
     SpanningTree tree = plantTree(treeEdges);
     setCutValues(tree);
-    CutSearch search(graph, tree, ranks);
-    pivotToOptimum(tree, search);
-    balance(tree, search);
-    search.settleRanks();
+    pivotToOptimum(tree);
+    balance(tree);
 }
 
 int NetworkSimplex::lowestRank() const
@@ -64,7 +62,7 @@ namespace {
 ///
 /// KEPT: nothing moves against anything then, and the entering edge keeps its slack, so that the
 /// solution may cost more than it had to. Drawings depend on these ranks.
-bool movesWholeTree(CutSearch::Cut const &cut, SpanningTree const &tree)
+bool movesWholeTree(TreeCut const &cut, SpanningTree const &tree)
 {
     const bool rootIsLeaf = tree.size(cut.child) + 1 == tree.numVertices();
     if (cut.parent != 0 || !rootIsLeaf)
@@ -77,11 +75,12 @@ bool movesWholeTree(CutSearch::Cut const &cut, SpanningTree const &tree)
 
 /// Exchanges tree edges as long as one has a negative cut value: the first of the most negative
 /// one, in the order of tree places.
-void NetworkSimplex::pivotToOptimum(SpanningTree &tree, CutSearch &search)
+void NetworkSimplex::pivotToOptimum(SpanningTree &tree)
 {
+    CutSearch search(graph, tree, ranks);
     for (unsigned place; (place = cutValueIndex.findLowest()) != CutValueIndex::none; ++pivots) {
-        const Cut cut = search.cutAt(tree.edgeAt(place));
-        const Candidate entering = search.firstOfLeastSlack(cut);
+        const TreeCut cut(graph, tree, tree.edgeAt(place));
+        const CutSearch::Candidate entering = search.firstOfLeastSlack(cut);
         assert(entering.edge != none && "A negative cut value has an edge that crosses back.");
         if (entering.slack > 0 && !movesWholeTree(cut, tree))
             search.stretch(entering.slack);
@@ -98,6 +97,7 @@ void NetworkSimplex::pivotToOptimum(SpanningTree &tree, CutSearch &search)
         tree.exchange({cut.edge, cut.child, entering.edge, lower, tail ^ head ^ lower});
         search.exchanged(entering.edge);
     }
+    search.settleRanks();
 }
 
 /// Adds to the cut values on the tree path from a vertex up to an ancestor.
@@ -111,17 +111,93 @@ void NetworkSimplex::addAlongPath(SpanningTree const &tree, VertexId from, Verte
     }
 }
 
+namespace {
+
+/// A tree that doesn't change any more. Its preorder is an array, of which a subtree is a stretch,
+/// and the rest is one round the end.
+class SettledTree {
+public:
+    struct Side {
+        bool isSubtree;
+        unsigned begin, num; // In the preorder.
+    };
+
+    explicit SettledTree(SpanningTree const &ofTree)
+        : tree(ofTree)
+        , order(ofTree.numVertices())
+        , positionOf(ofTree.numVertices())
+    {
+        unsigned v = 0;
+        for (unsigned position = 0; position < order.size(); ++position, v = tree.next(v)) {
+            order[position] = v;
+            positionOf[v] = position;
+        }
+    }
+
+    bool isBelow(unsigned vertex, unsigned ancestor) const
+    {
+        return positionOf[vertex] - positionOf[ancestor] < tree.size(ancestor);
+    }
+
+    Side smallerSide(TreeCut const &cut) const
+    {
+        const unsigned size = tree.size(cut.child), begin = positionOf[cut.child];
+        if (size <= tree.numVertices() - size)
+            return {true, begin, size};
+        return {false, begin + size, tree.numVertices() - size};
+    }
+
+    unsigned vertex(Side const &side, unsigned i) const
+    {
+        const std::size_t position = std::size_t{side.begin} + i;
+        return order[position < order.size() ? position : position - order.size()];
+    }
+
+private:
+    SpanningTree const &tree;
+    std::vector<unsigned> order, positionOf;
+};
+
+/// The least slack of the edges across a cut that run against its edge, or one of at most 1,
+/// whichever is found first.
+int slackBack(FlatGraph const &graph, std::vector<int> const &ranks, SettledTree const &tree,
+              TreeCut const &cut, SettledTree::Side const &side)
+{
+    const bool runsOut = cut.childIsHead == side.isSubtree;
+    int least = std::numeric_limits<int>::max();
+    for (unsigned i = 0; i < side.num; ++i) {
+        const unsigned v = tree.vertex(side, i);
+        for (auto const &e : runsOut ? graph.out(v) : graph.in(v)) {
+            if (tree.isBelow(e.far, cut.child) == side.isSubtree)
+                continue;
+            const int length = runsOut ? ranks[e.far] - ranks[v] : ranks[v] - ranks[e.far];
+            least = std::min(least, length - e.minLength);
+            if (least <= 1)
+                return least;
+        }
+    }
+    return least;
+}
+
+} // namespace
+
 /// Spreads slack over edges of cut value 0, which costs nothing: each side goes half of the way
 /// that it could. The tree stays as it is.
-void NetworkSimplex::balance(SpanningTree const &tree, CutSearch &search) const
+void NetworkSimplex::balance(SpanningTree const &tree)
 {
+    const SettledTree settled(tree);
     for (unsigned place = 0; place < tree.numPlaces(); ++place) {
         const EdgeId e = tree.edgeAt(place);
         if (cutValues[e] != 0)
             continue;
-        const Candidate found = search.anyOfLeastSlack(search.cutAt(e));
-        if (found.edge != none && found.slack > 1)
-            search.stretch(found.slack / 2);
+        const TreeCut cut(graph, tree, e);
+        const SettledTree::Side side = settled.smallerSide(cut);
+        const int slack = slackBack(graph, ranks, settled, cut, side);
+        if (slack <= 1 || slack == std::numeric_limits<int>::max())
+            continue;
+        const int shift = cut.childIsHead == side.isSubtree ? slack / 2 : -(slack / 2);
+        for (unsigned i = 0; i < side.num; ++i)
+            ranks[settled.vertex(side, i)] += shift;
     }
 }
 

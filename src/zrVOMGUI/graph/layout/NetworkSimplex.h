@@ -56,7 +56,6 @@ public:
 
 private:
     using Incident = FlatGraph::Incident;
-    using Cut = CutSearch::Cut;
     using Candidate = CutSearch::Candidate;
     class SlackHeap;
     class RingBuffer;
@@ -72,10 +71,10 @@ private:
     void renumberVertices(std::vector<EdgeId> const &treeEdges);
     SpanningTree plantTree(std::vector<EdgeId> const &treeEdges) const;
     void setCutValues(SpanningTree const &tree);
-    void pivotToOptimum(SpanningTree &tree, CutSearch &search);
+    void pivotToOptimum(SpanningTree &tree);
     void addAlongPath(SpanningTree const &tree, VertexId from, VertexId ancestor, int cutValue,
                       bool direction);
-    void balance(SpanningTree const &tree, CutSearch &search) const;
+    void balance(SpanningTree const &tree);
 
     FlatGraph graph;
     std::vector<VertexId>
