@@ -2,7 +2,7 @@
 
 // An exporter and an importer for tests, whose text is a list of names, and which fail on demand.
 
-#include "support/Things.h"
+#include "ThingNames.h"
 
 #include "zrVOMGUI/foundation/util/Error.h"
 #include "zrVOMGUI/foundation/vom/Exporter.h"
@@ -31,14 +31,6 @@ inline void raise(Fault fault)
         throw std::runtime_error("out of names");
     if (fault == Fault::RaiseNumber)
         throw 7;
-}
-
-inline std::string namesOf(Things const &things)
-{
-    std::string names;
-    for (ZR::RefT<ZR::VOM::Object> const &thing : things)
-        names += thing ? fieldOf<ZR::VOM::FieldString>(thing, "name").get() + ' ' : "null ";
-    return names;
 }
 
 /// Writes the class of the root and the names of the things in its field "objects".
