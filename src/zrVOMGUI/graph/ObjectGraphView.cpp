@@ -37,6 +37,7 @@ ObjectGraphView::ObjectGraphView(RefT<Exporter> const &exporter, QWidget *parent
 ObjectGraphView::~ObjectGraphView()
 {
     announceDelete();
+    abandonDrag();
     for (auto &[obj, slot] : nodes)
         slot.sigDeleteConn.disconnect();
     setMouseTracking(false);
@@ -162,10 +163,8 @@ void ObjectGraphView::setVisible(std::size_t n, RefT<Object> const *const objs, 
         emitSigInsertNode(changed);
     else
         emitSigRemoveNode(changed);
-    if (self && selectionChanged) {
-        SigVoidData sigData;
-        sigSel.emitCatching(sigData, "ZR::VOM::GUI::ObjectGraphView::setVisible");
-    }
+    if (self && selectionChanged)
+        emitSigSel("ZR::VOM::GUI::ObjectGraphView::setVisible");
 }
 
 void ObjectGraphView::setVisible(bool visible)
@@ -249,6 +248,8 @@ void ObjectGraphView::eraseSlot(Nodes::iterator slot)
     // Out of the map first: the node's end reaches its neighbours.
     const RefT<Node> node = std::move(slot->second.node);
     nodes.erase(slot);
+    if (pressNode == node)
+        pressNode = {};
     node->leaveGraph();
 }
 
@@ -303,6 +304,12 @@ void ObjectGraphView::emitSigRemoveNode(std::vector<RefT<Object>> const &objs)
     SigNodeData sigData;
     sigData.objs = &objs;
     sigRemoveNode.emitCatching(sigData, "ZR::VOM::GUI::ObjectGraphView::emitSigRemoveNode");
+}
+
+void ObjectGraphView::emitSigSel(char const *where)
+{
+    SigVoidData sigData;
+    sigSel.emitCatching(sigData, where);
 }
 
 void ObjectGraphView::onPtrClassSigDelete(SigVoidData const &sigData)

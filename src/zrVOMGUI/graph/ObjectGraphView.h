@@ -11,14 +11,19 @@
 
 #include <QAbstractScrollArea>
 #include <QColor>
+#include <QPixmap>
+#include <QPointer>
 #include <QTimer>
 
 #include <cstdint>
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
+class QDrag;
+class QMimeData;
 class QPainter;
 class QPolygon;
 
@@ -225,6 +230,13 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
     /// Makes `count` intermediate nodes on a link and returns them from the `from` side to the `to`
     /// side; empty when `count` is 0 or the link doesn't exist.
@@ -276,6 +288,7 @@ private:
     bool storeVisible(Node &node, bool visible);
     void emitSigInsertNode(std::vector<RefT<Object>> const &objs);
     void emitSigRemoveNode(std::vector<RefT<Object>> const &objs);
+    void emitSigSel(char const *where);
     void onPtrClassSigDelete(SigVoidData const &sigData);
     void onTooltipSigSet(PropT<bool>::SigSetData const &sigData);
 
@@ -326,6 +339,30 @@ private:
     Row measureRow(Node &node, Graph::Direction direction);
     void showRow(Row const &row, std::int64_t left, std::int64_t y);
     void scrollTo(std::vector<RefT<Node>> const &boundNodes);
+
+    // Interaction.
+    enum Hit {
+        HitNone, // No node is there.
+        HitNode, // Its box.
+        HitIn,   // Its upper arrow.
+        HitOut   // Its lower arrow.
+    };
+    QPoint contentPos(QPoint const &viewportPos) const;
+    Hit hitTest(Node const &node, QPoint const &pos) const;
+    std::pair<RefT<Node>, Hit> find(QPoint const &pos) const;
+    std::pair<RefT<Node>, Hit> find(int x, int y) const;
+    void click(RefT<Node> const &node, Hit hit, bool keepsOthers);
+    void askForMenu(RefT<Node> const &node, Hit hit, QPoint const &viewportPos);
+    void updateTooltip(QPoint const &pos);
+
+    // Drag and drop.
+    std::vector<RefT<Object>> getDropObjs(QMimeData const &mimeData) const;
+    void acceptKnown(QDropEvent &event) const;
+    std::vector<RefT<Object>> showRoutesTo(std::set<RefT<Node>> const &dropped, QPoint const &from);
+    std::set<RefT<Node>> findVisibleComponents() const;
+    void startDrag();
+    void abandonDrag();
+    QPixmap makeDragPixmap();
 
     // Painting.
     struct PaintContext;
@@ -393,6 +430,15 @@ private:
     int scrollFromX = 0, scrollFromY = 0, scrollToX = 0, scrollToY = 0;
 
     LayoutFigures layoutFigures;
+
+    // The last left press, in content coordinates.
+    RefT<Node> pressNode;
+    Hit pressHit = HitNone;
+    int pressX = 0, pressY = 0;
+
+    // What the last drag offers. Kept for receivers that still work on it.
+    std::vector<RefT<Object>> dragObjs, dragCopies;
+    QPointer<QDrag> drag; // The running one.
 };
 
 } // namespace ZR::VOM::GUI

@@ -1,0 +1,195 @@
+// Objects leave the view by a drag, and a drop shows objects that the view knows, with what lies on
+// the routes to what is shown already. Neither changes the model.
+
+#include "zrVOMGUI/foundation/vom/Copy.h"
+#include "zrVOMGUI/graph/ObjectGraphView.h"
+#include "zrVOMGUI/graph/layout/Components.h"
+#include "zrVOMGUI/graph/layout/Routes.h"
+#include "zrVOMGUI/graph/private/Node.h"
+#include "zrVOMGUI/presentation/ItemLabel.h"
+#include "zrVOMGUI/transfer/MimeData.h"
+
+#include <QDrag>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <QPixmap>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+
+namespace ZR::VOM::GUI {
+
+namespace {
+
+constexpr std::size_t maxPixmapRows = 16;
+/// The default colour of selected nodes, at half opacity.
+constexpr quint64 pixmapColor = 0x8080ffffe0e0c0c0;
+
+} // namespace
+
+/// The offered objects that have a node, in the order in which they are offered. Only references of
+/// this process can.
+std::vector<RefT<VOM::Object>> ObjectGraphView::getDropObjs(QMimeData const &mimeData) const
+{
+    std::vector<RefT<Object>> objs;
+    getFromMimeData(mimeData, objs);
+    const auto isUnknown = [this](RefT<Object> const &obj) { return !obj || !findNode(obj); };
+    objs.erase(std::remove_if(objs.begin(), objs.end(), isUnknown), objs.end());
+    return objs;
+}
+
+/// Wherever the pointer is, and whatever keys are held: a drop has one meaning.
+void ObjectGraphView::acceptKnown(QDropEvent &event) const
+{
+    if (!event.mimeData() || getDropObjs(*event.mimeData()).empty()) {
+        event.ignore();
+        return;
+    }
+    event.setDropAction(Qt::LinkAction);
+    event.accept();
+}
+
+void ObjectGraphView::dragEnterEvent(QDragEnterEvent *event)
+{
+    acceptKnown(*event);
+}
+
+void ObjectGraphView::dragMoveEvent(QDragMoveEvent *event)
+{
+    acceptKnown(*event);
+}
+
+void ObjectGraphView::dropEvent(QDropEvent *event)
+{
+    const std::vector<RefT<Object>> objs =
+        event->mimeData() ? getDropObjs(*event->mimeData()) : std::vector<RefT<Object>>();
+    if (objs.empty()) {
+        event->ignore();
+        return;
+    }
+    const AddedNodes added = add(objs, true);
+    std::vector<RefT<Object>> shown;
+    if (!added.hidden.empty()) {
+        shown = showRoutesTo(added.hidden, contentPos(event->pos()));
+        layout(*added.hidden.begin());
+        selCursor = 0;
+    }
+    std::vector<RefT<Object>> dropped;
+    for (auto const *found : {&added.hidden, &added.visible})
+        for (RefT<Node> const &node : *found)
+            dropped.emplace_back(node->obj);
+    setSel(dropped);
+    showSel();
+
+    // A listener may destroy the view.
+    const PtrT<ObjectGraphView> self(this);
+    emitSigInsertNode(shown);
+    if (self)
+        emitSigSel("ZR::VOM::GUI::ObjectGraphView::dropEvent");
+}
+
+/// Makes the dropped nodes visible, and all nodes on routes from each visible component, and from
+/// the dropped ones, to any of them. They set out from where they were dropped. Returns their
+/// objects.
+std::vector<RefT<VOM::Object>> ObjectGraphView::showRoutesTo(std::set<RefT<Node>> const &dropped,
+                                                             QPoint const &from)
+{
+    std::set<RefT<Node>> starts = findVisibleComponents();
+    starts.insert(dropped.begin(), dropped.end());
+    std::set<RefT<Node>> route;
+    Graph::findAllRoutes(starts, dropped, route);
+
+    std::vector<RefT<Object>> shown;
+    for (RefT<Node> const &node : route) {
+        if (!storeVisible(*node, true))
+            continue;
+        shown.emplace_back(node->obj);
+        refreshPending = true;
+        place(node, from.x(), from.y());
+    }
+    return shown;
+}
+
+/// The node of the lowest address of each.
+std::set<RefT<Graph::Node>> ObjectGraphView::findVisibleComponents() const
+{
+    std::vector<Node *> visibleNodes;
+    for (auto const &[obj, slot] : nodes)
+        if (slot.node->visible)
+            visibleNodes.push_back(slot.node.get());
+    std::sort(visibleNodes.begin(), visibleNodes.end(), std::less<Node *>());
+    std::set<RefT<Node>> representatives;
+    for (std::vector<Node *> const &component : Graph::findComponents(visibleNodes))
+        representatives.insert(RefT<Node>(component.front()));
+    return representatives;
+}
+
+/// Drags the selected nodes' objects, after having selected the pressed one. Returns when the drag
+/// is over; until then timers run, the model may change, and the view may be destroyed.
+void ObjectGraphView::startDrag()
+{
+    if (drag)
+        return;
+    if (!pressNode->selected)
+        setSel({RefT<Object>(pressNode->obj)});
+    dragObjs = getSel();
+
+    // Exporters, and objects that are copied, are the host's.
+    const PtrT<ObjectGraphView> self(this);
+    std::vector<RefT<Object>> copies;
+    tryCatch("ZR::VOM::GUI::ObjectGraphView::startDrag",
+             [&] { copies = Copy::Context().copy(dragObjs); });
+    if (!self)
+        return;
+    dragCopies = std::move(copies);
+    std::unique_ptr<QMimeData> mimeData(createMimeData(xmlExporter, &dragObjs, &dragCopies));
+    if (!self)
+        return;
+    const QPixmap pixmap = makeDragPixmap();
+    if (!self)
+        return;
+
+    drag = new QDrag(this);
+    drag->setMimeData(mimeData.release());
+    drag->setPixmap(pixmap);
+    drag->exec(Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::LinkAction);
+}
+
+/// A drag that runs while its view is destroyed lives on until it ends, with nothing to offer.
+void ObjectGraphView::abandonDrag()
+{
+    if (!drag)
+        return;
+    drag->setParent(nullptr);
+    drag->setMimeData(new QMimeData);
+    QDrag::cancel();
+}
+
+QPixmap ObjectGraphView::makeDragPixmap()
+{
+    std::vector<RefT<Object>> rows(dragObjs);
+    if (rows.size() > maxPixmapRows)
+        rows.resize(maxPixmapRows);
+    const QSize size =
+        layoutItemList(rows, fieldName, typeName, false, font(), margin, margin, iconSize);
+    QPixmap pixmap(size * devicePixelRatioF());
+    if (pixmap.isNull())
+        return pixmap;
+    pixmap.setDevicePixelRatio(devicePixelRatioF());
+    pixmap.fill(QColor(QRgba64::fromRgba64(pixmapColor)));
+    QPainter painter(&pixmap);
+    painter.setFont(font());
+    painter.setBackground(palette().window());
+    painter.setPen(palette().color(QPalette::Text));
+    tryCatch("ZR::VOM::GUI::ObjectGraphView::makeDragPixmap", [&] {
+        paintItemList(painter, rows, objIconDB, fieldName, typeName, false, margin, margin,
+                      iconSize);
+    });
+    return pixmap;
+}
+
+} // namespace ZR::VOM::GUI
