@@ -2,27 +2,35 @@
 
 #include "GraphPage.h"
 #include "Icons.h"
+#include "ModelFile.h"
 #include "PackageGraph.h"
+#include "SignalLog.h"
 #include "Style.h"
 
+#include <QApplication>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QStatusBar>
 #include <QToolBar>
 
 namespace Explorer {
 
-ExplorerWindow::ExplorerWindow(PackageModel const &shownModel, QString const &source,
-                               QWidget *parent)
+ExplorerWindow::ExplorerWindow(std::shared_ptr<PackageModel> const &shownModel,
+                               QString const &modelSource, QWidget *parent)
     : QMainWindow(parent)
     , model(shownModel)
-    , page(new GraphPage(shownModel, this))
+    , source(modelSource)
+    , page(new GraphPage(*shownModel, this))
     , figures(new QLabel(this))
 {
     setWindowTitle(tr("Installed packages (%1)").arg(source));
     setWindowIcon(windowIcon());
     setCentralWidget(page);
-    resize(1320, 800);
+    resize(1320, 860);
     constexpr int edge = 12;
     figures->setContentsMargins(edge, 0, edge, 0);
     statusBar()->addPermanentWidget(figures);
@@ -31,47 +39,110 @@ ExplorerWindow::ExplorerWindow(PackageModel const &shownModel, QString const &so
     connect(page, &GraphPage::said, this,
             [this](QString const &text) { statusBar()->showMessage(text, readingTime); });
     makeActions();
+    makeLog();
+    // The graph goes with this window.
+    page->getGraph().sigPopupMenu.connect(
+        [this](auto const &sigData) { popupMenu(QPoint(sigData.x, sigData.y)); });
 }
 
 void ExplorerWindow::makeActions()
 {
-    auto *const toolBar = addToolBar(tr("Graph"));
+    QToolBar *const toolBar = addToolBar(tr("Graph"));
     toolBar->setMovable(false);
     toolBar->setToolButtonStyle(Qt::ToolButtonTextOnly);
     toolBar->setContextMenuPolicy(Qt::PreventContextMenu);
-    QMenu *const graphMenu = menuBar()->addMenu(tr("&Graph"));
-    QMenu *const viewMenu = menuBar()->addMenu(tr("&View"));
-
-    const auto add = [&](QMenu &menu, QString const &text, QKeySequence const &keys,
-                         QString const &help, auto &&slot) {
-        QAction *const action = menu.addAction(text, page, slot);
-        action->setShortcut(keys);
-        action->setToolTip(help + " (" + keys.toString(QKeySequence::NativeText) + ")");
-        toolBar->addAction(action);
-    };
-    add(*graphMenu, tr("&Find…"), QKeySequence::Find, tr("Find a package by its name"),
-        [this] { page->startSearch(); });
-    graphMenu->addSeparator();
-    add(*graphMenu, tr("Show &more"), tr("Ctrl+M"),
-        tr("Show the neighbours of the selected nodes, or of all"), [this] { page->showMore(); });
-    add(*graphMenu, tr("&Hide"), QKeySequence::Delete, tr("Hide the selected nodes"),
-        [this] { page->hideSelected(); });
-    add(*graphMenu, tr("&Clear"), tr("Ctrl+K"), tr("Hide all nodes"), [this] { page->clear(); });
-    graphMenu->addSeparator();
-    graphMenu->addAction(tr("&Quit"), this, &QWidget::close, tr("Ctrl+Q"));
-
+    makeFileMenu();
+    makeGraphMenu(*toolBar);
     toolBar->addSeparator();
-    add(*viewMenu, tr("&Lay out"), tr("Ctrl+L"), tr("Lay the visible nodes out anew"),
-        [this] { page->layOut(); });
-    add(*viewMenu, tr("Show &selection"), tr("Ctrl+J"), tr("Scroll to the selected nodes"),
-        [this] { page->getGraph().showSel(); });
+    makeViewMenu(*toolBar);
+}
+
+void ExplorerWindow::makeFileMenu()
+{
+    const QString filter = tr("Models (*.xml)");
+    QMenu *const menu = menuBar()->addMenu(tr("&File"));
+    menu->addAction(
+        tr("&New window"), this, [this] { openWindow(); }, QKeySequence::New);
+    menu->addAction(
+        tr("&Open…"), this,
+        [this, filter] {
+            const QString path = QFileDialog::getOpenFileName(this, tr("Open a model"), {}, filter);
+            if (!path.isEmpty())
+                openFile(path);
+        },
+        QKeySequence::Open);
+    menu->addAction(
+        tr("&Save as…"), this,
+        [this, filter] {
+            const QString path =
+                QFileDialog::getSaveFileName(this, tr("Save the model"), {}, filter);
+            if (!path.isEmpty())
+                saveFile(path);
+        },
+        QKeySequence::Save);
+    menu->addSeparator();
+    menu->addAction(tr("&Close"), this, &QWidget::close, tr("Ctrl+W"));
+    menu->addAction(tr("&Quit"), qApp, &QApplication::closeAllWindows, tr("Ctrl+Q"));
+}
+
+QAction *ExplorerWindow::addAction(QMenu &menu, QString const &text, QKeySequence const &keys,
+                                   QString const &help, void (GraphPage::*slot)())
+{
+    QAction *const action = menu.addAction(text, page, slot, keys);
+    action->setToolTip(help + " (" + keys.toString(QKeySequence::NativeText) + ")");
+    return action;
+}
+
+void ExplorerWindow::makeGraphMenu(QToolBar &toolBar)
+{
+    graphMenu = menuBar()->addMenu(tr("&Graph"));
+    toolBar.addAction(addAction(*graphMenu, tr("&Find…"), QKeySequence::Find,
+                                tr("Find a package by its name"), &GraphPage::startSearch));
+    graphMenu->addSeparator();
+    toolBar.addAction(addAction(*graphMenu, tr("Show &more"), tr("Ctrl+M"),
+                                tr("Show the neighbours of the selected nodes, or of all"),
+                                &GraphPage::showMore));
+    toolBar.addAction(addAction(*graphMenu, tr("&Hide"), QKeySequence::Delete,
+                                tr("Hide the selected nodes"), &GraphPage::hideSelected));
+    toolBar.addAction(
+        addAction(*graphMenu, tr("&Clear"), tr("Ctrl+K"), tr("Hide all nodes"), &GraphPage::clear));
+    graphMenu->addSeparator();
+    addAction(*graphMenu, tr("C&opy"), QKeySequence::Copy,
+              tr("Copy the selected objects, for this program and for others"),
+              &GraphPage::copySelected);
+    addAction(*graphMenu, tr("&Paste"), QKeySequence::Paste,
+              tr("Show the objects on the clipboard"), &GraphPage::paste);
+}
+
+void ExplorerWindow::makeViewMenu(QToolBar &toolBar)
+{
+    viewMenu = menuBar()->addMenu(tr("&View"));
+    toolBar.addAction(addAction(*viewMenu, tr("&Lay out"), tr("Ctrl+L"),
+                                tr("Lay the visible nodes out anew"), &GraphPage::layOut));
+    toolBar.addAction(addAction(*viewMenu, tr("Show &selection"), tr("Ctrl+J"),
+                                tr("Scroll to the selected nodes"), &GraphPage::showSelected));
     viewMenu->addSeparator();
     QAction *const dark = viewMenu->addAction(tr("&Dark style"));
     dark->setCheckable(true);
     dark->setShortcut(tr("Ctrl+D"));
     connect(dark, &QAction::toggled, this, [](bool on) { setDarkStyle(on); });
-    toolBar->addSeparator();
-    toolBar->addAction(dark);
+    toolBar.addSeparator();
+    toolBar.addAction(dark);
+}
+
+void ExplorerWindow::makeLog()
+{
+    constexpr int fewLines = 96;
+    auto *const dock = new QDockWidget(tr("Signals"), this);
+    dock->setWidget(new SignalLog(page->getGraph(), dock));
+    addDockWidget(Qt::BottomDockWidgetArea, dock);
+    resizeDocks({dock}, {fewLines}, Qt::Vertical);
+    viewMenu->addAction(dock->toggleViewAction());
+}
+
+void ExplorerWindow::popupMenu(QPoint const &viewportPos)
+{
+    graphMenu->popup(page->getGraph().viewport()->mapToGlobal(viewportPos));
 }
 
 void ExplorerWindow::start(QString const &packageName)
@@ -79,15 +150,47 @@ void ExplorerWindow::start(QString const &packageName)
     page->showPackage(packageName.isEmpty() ? startPackage() : packageName);
 }
 
+ExplorerWindow *ExplorerWindow::openWindow()
+{
+    auto *const window = new ExplorerWindow(model, source);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->show();
+    return window;
+}
+
+ExplorerWindow *ExplorerWindow::openFile(QString const &path)
+{
+    QString error;
+    const std::shared_ptr<PackageModel> opened = readModel(path, error);
+    if (!opened) {
+        QMessageBox::warning(this, tr("Open a model"), path + "\n\n" + error);
+        return nullptr;
+    }
+    auto *const window = new ExplorerWindow(opened, QFileInfo(path).fileName());
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->show();
+    window->start({});
+    return window;
+}
+
+bool ExplorerWindow::saveFile(QString const &path)
+{
+    QString error;
+    if (writeModel(*model, path, error))
+        return true;
+    QMessageBox::warning(this, tr("Save the model"), path + "\n\n" + error);
+    return false;
+}
+
 /// A package that has enough to show, and not too much.
 QString ExplorerWindow::startPackage() const
 {
     for (char const *name : {"apt", "git", "curl"})
-        if (model.findPackage(name))
+        if (model->findPackage(name))
             return name;
-    return model.getPackages().empty()
+    return model->getPackages().empty()
                ? QString()
-               : QString::fromStdString(model.getPackages().front()->getName());
+               : QString::fromStdString(model->getPackages().front()->getName());
 }
 
 } // namespace Explorer

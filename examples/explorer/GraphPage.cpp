@@ -27,7 +27,7 @@ QScrollArea *makeColumn(QWidget *content, QWidget *parent)
 
 } // namespace
 
-GraphPage::GraphPage(PackageModel const &shownModel, QWidget *parent)
+GraphPage::GraphPage(PackageModel &shownModel, QWidget *parent)
     : QWidget(parent)
     , model(shownModel)
     , graph(new PackageGraph(shownModel, this))
@@ -104,6 +104,30 @@ void GraphPage::clear()
 void GraphPage::layOut()
 {
     graph->layout();
+    updateFigures();
+}
+
+void GraphPage::showSelected()
+{
+    graph->showSel();
+}
+
+void GraphPage::copySelected()
+{
+    const std::size_t number = graph->getSel().size();
+    if (number == 0) {
+        emit said(tr("Nothing is selected"));
+        return;
+    }
+    graph->copySelected();
+    emit said(tr("%1 objects are on the clipboard").arg(number));
+}
+
+void GraphPage::paste()
+{
+    if (!graph->paste())
+        emit said(tr("The clipboard holds no objects"));
+    searchPanel->updateList();
     updateFigures();
 }
 

@@ -16,7 +16,7 @@ class GraphPage : public QWidget {
 
 public:
     /// The model isn't owned.
-    explicit GraphPage(PackageModel const &model, QWidget *parent = nullptr);
+    explicit GraphPage(PackageModel &model, QWidget *parent = nullptr);
 
     PackageGraph &getGraph() { return *graph; }
 
@@ -26,6 +26,10 @@ public:
     void hideSelected();
     void clear();
     void layOut();
+    /// Scrolls to the selected nodes.
+    void showSelected();
+    void copySelected();
+    void paste();
     void startSearch();
 
 signals:
@@ -39,7 +43,7 @@ private:
     void updateFigures();
     void sayLeft(std::size_t number);
 
-    PackageModel const &model;
+    PackageModel &model;
     PackageGraph *graph;
     SearchPanel *searchPanel;
     GraphControls *controls;

@@ -1,6 +1,9 @@
 #include "PackageGraph.h"
 
+#include "PackageXml.h"
+
 #include "zrVOMGUI/foundation/vom/linkFields.h"
+#include "zrVOMGUI/transfer/Clipboard.h"
 
 #include <QScrollBar>
 
@@ -12,8 +15,8 @@ namespace Explorer {
 using ZR::RefT;
 using ZR::VOM::Field;
 
-PackageGraph::PackageGraph(PackageModel const &shownModel, QWidget *parent)
-    : ObjectGraphView({}, parent)
+PackageGraph::PackageGraph(PackageModel &shownModel, QWidget *parent)
+    : ObjectGraphView(RefT<ZR::VOM::Exporter>(new ZR::VOM::XmlExporter), parent)
     , model(shownModel)
 {
     setFieldName("name");
@@ -140,6 +143,49 @@ void PackageGraph::hideAll()
 {
     setVisible(getVisibleObjs(), false);
     layout();
+}
+
+void PackageGraph::copySelected() const
+{
+    ZR::VOM::GUI::Clipboard::copyObjs(RefT<ZR::VOM::Exporter>(new ZR::VOM::XmlExporter), getSel());
+}
+
+bool PackageGraph::paste()
+{
+    Objects objects;
+    if (ZR::VOM::GUI::Clipboard::pasteObjs(objects)) {
+        // Another window of this process may show another model.
+        objects.erase(std::remove_if(objects.begin(), objects.end(),
+                                     [this](RefT<Object> const &object) { return !knows(object); }),
+                      objects.end());
+        if (!objects.empty()) {
+            showPasted(objects);
+            return true;
+        }
+    }
+    const RefT<ZR::VOM::XmlImporter> importer = makeImporter();
+    if (!ZR::VOM::GUI::Clipboard::pasteObjs(objects, *importer))
+        return false;
+    model.adopt(objects);
+    add(model.getObjects(), false);
+    showPasted(objects);
+    return !objects.empty();
+}
+
+bool PackageGraph::knows(RefT<Object> const &object) const
+{
+    int x = 0, y = 0;
+    return getPos(object, x, y);
+}
+
+void PackageGraph::showPasted(Objects const &objects)
+{
+    for (RefT<Object> const &object : objects)
+        if (!isVisible(object))
+            placeInView(object);
+    setVisible(objects, true);
+    setSel(objects);
+    showSel();
 }
 
 /// Calls `use` with the two ends of each link that the object's fields make by the rules in force.

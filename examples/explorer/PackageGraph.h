@@ -30,7 +30,7 @@ constexpr std::array<LinkKind, 4> linkKinds = {{{"Package", "depends", "Dependen
 class PackageGraph : public ZR::VOM::GUI::ObjectGraphView {
 public:
     /// The model isn't owned.
-    explicit PackageGraph(PackageModel const &shownModel, QWidget *parent = nullptr);
+    explicit PackageGraph(PackageModel &shownModel, QWidget *parent = nullptr);
 
     PackageModel const &getModel() const { return model; }
 
@@ -54,6 +54,12 @@ public:
     void hideSelected();
     void hideAll();
 
+    /// Puts the selected objects on the clipboard, for this process and as XML for others.
+    void copySelected() const;
+    /// Shows and selects what is on the clipboard: objects that this model knows, or else new ones
+    /// of the XML, which the model takes in. False when there is neither.
+    bool paste();
+
     struct Counts {
         std::size_t known, visible, links;
     };
@@ -69,9 +75,11 @@ private:
     void hideAllBut(Objects const &objects);
     void placeInView(ZR::RefT<Object> const &object);
     void placeAt(ZR::RefT<Object> const &object, ZR::RefT<Object> const &other);
+    bool knows(ZR::RefT<Object> const &object) const;
+    void showPasted(Objects const &objects);
     Neighbours hiddenNeighbours(std::set<ZR::RefT<Object>> const &of) const;
 
-    PackageModel const &model;
+    PackageModel &model;
     unsigned neighbourLimit = 24;
 };
 

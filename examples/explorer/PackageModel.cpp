@@ -23,6 +23,7 @@ ZR::VOM::ClassInfo const Maintainer::classInfo = {&Item::classInfo, "Maintainer"
 ZR::VOM::ClassInfo const Details::classInfo = {&Item::classInfo, "Details"};
 ZR::VOM::ClassInfo const Package::classInfo = {&Item::classInfo, "Package"};
 ZR::VOM::ClassInfo const Section::classInfo = {&Item::classInfo, "Section"};
+ZR::VOM::ClassInfo const Archive::classInfo = {&Item::classInfo, "Archive"};
 
 Item::Item(std::string const &itemName)
 {
@@ -70,10 +71,97 @@ Section::Section(std::string const &sectionName, Objects const &packages)
     ZR::VOM::addField<MFieldRef>(*this, "packages", packages);
 }
 
+Archive::Archive(std::string const &archiveName)
+    : Item(archiveName)
+{
+    ZR::VOM::addField<MFieldRef>(*this, "sections");
+    ZR::VOM::addField<MFieldRef>(*this, "maintainers");
+}
+
+namespace {
+
+/// What an owning list holds; nothing when the object has no such list.
+Objects ownedBy(Object const &owner, char const *fieldName)
+{
+    auto const *const list = cast<MFieldRef>(owner.findField(fieldName));
+    return list ? list->getAll() : Objects();
+}
+
+void append(Object const &owner, char const *fieldName, Objects const &objects)
+{
+    if (auto *const list = cast<MFieldRef>(owner.findField(fieldName)))
+        list->replace(list->getAll().size(), 0, objects);
+}
+
+} // namespace
+
 PackageModel::PackageModel(std::vector<PackageRecord> const &records)
+    : archive(new Archive("installed"))
 {
     makeObjects(records);
     linkDependencies(records);
+    append(*archive, "sections", {sections.begin(), sections.end()});
+    append(*archive, "maintainers", {maintainers.begin(), maintainers.end()});
+}
+
+PackageModel::PackageModel(RefT<Archive> const &ownedByIt)
+    : archive(ownedByIt)
+{
+    for (char const *list : {"sections", "maintainers"})
+        for (RefT<Object> const &object : ownedBy(*archive, list))
+            note(object);
+}
+
+/// Enters an object of the archive, with what it owns, into the lists that serve look-ups.
+void PackageModel::note(RefT<Object> const &object)
+{
+    if (auto *const section = cast<Section>(object)) {
+        sections.emplace_back(section);
+        for (RefT<Object> const &owned : ownedBy(*section, "packages"))
+            note(owned);
+    } else if (auto *const maintainer = cast<Maintainer>(object)) {
+        maintainers.emplace_back(maintainer);
+    } else if (auto *const package = cast<Package>(object)) {
+        packages.emplace_back(package);
+        packagesByName.emplace(package->getName(), package);
+    }
+}
+
+void PackageModel::adopt(Objects const &objects)
+{
+    constexpr char pasted[] = "pasted";
+    Objects newSections, newMaintainers, others;
+    for (RefT<Object> const &object : objects) {
+        if (!object)
+            continue;
+        if (cast<Section>(object))
+            newSections.push_back(object);
+        else if (cast<Maintainer>(object))
+            newMaintainers.push_back(object);
+        else
+            others.push_back(object);
+    }
+    RefT<Section> section = findSection(pasted);
+    if (section) {
+        append(*section, "packages", others);
+        for (RefT<Object> const &object : others)
+            note(object);
+    } else if (!others.empty()) {
+        newSections.emplace_back(new Section(pasted, others));
+    }
+    append(*archive, "sections", newSections);
+    append(*archive, "maintainers", newMaintainers);
+    for (Objects const &added : {newSections, newMaintainers})
+        for (RefT<Object> const &object : added)
+            note(object);
+}
+
+RefT<Section> PackageModel::findSection(std::string const &name) const
+{
+    for (RefT<Section> const &section : sections)
+        if (section->getName() == name)
+            return section;
+    return {};
 }
 
 void PackageModel::makeObjects(std::vector<PackageRecord> const &records)

@@ -87,16 +87,37 @@ private:
     Section(Section const &) = default;
 };
 
+/// Owns all the rest, by its lists "sections" and "maintainers".
+class Archive : public Item {
+public:
+    explicit Archive(std::string const &archiveName);
+
+    ZR::VOM::ClassInfo const &getClassInfo() const override { return classInfo; }
+    ZR::RefT<ZR::VOM::Object> clone() override { return new Archive(*this); }
+
+    static ZR::VOM::ClassInfo const classInfo;
+
+private:
+    Archive(Archive const &) = default;
+};
+
 /// The installed packages as objects.
 class PackageModel {
 public:
     /// Each dependency leads to its first alternative that is installed, or else is provided by an
     /// installed package; one that nothing meets is left out.
     explicit PackageModel(std::vector<PackageRecord> const &records);
+    /// The model that an archive owns.
+    explicit PackageModel(ZR::RefT<Archive> const &ownedBy);
 
-    /// In the order of the records.
+    ZR::RefT<Archive> const &getArchive() const { return archive; }
+    /// Takes objects in that nobody owns: sections and maintainers into their lists, and all others
+    /// into a section "pasted". Null references are passed over.
+    void adopt(Objects const &objects);
+
+    /// In the order of the records, or in that of the archive's sections.
     std::vector<ZR::RefT<Package>> const &getPackages() const { return packages; }
-    /// By name.
+    /// By name, or in the order of the archive.
     std::vector<ZR::RefT<Section>> const &getSections() const { return sections; }
     std::vector<ZR::RefT<Maintainer>> const &getMaintainers() const { return maintainers; }
     /// Sections, packages, maintainers and details.
@@ -112,7 +133,10 @@ public:
 private:
     void makeObjects(std::vector<PackageRecord> const &records);
     void linkDependencies(std::vector<PackageRecord> const &records);
+    void note(ZR::RefT<ZR::VOM::Object> const &object);
+    ZR::RefT<Section> findSection(std::string const &name) const;
 
+    ZR::RefT<Archive> archive;
     std::vector<ZR::RefT<Package>> packages;
     std::vector<ZR::RefT<Section>> sections;
     std::vector<ZR::RefT<Maintainer>> maintainers;

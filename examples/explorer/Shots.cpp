@@ -5,10 +5,17 @@
 #include "PackageGraph.h"
 #include "Style.h"
 
+#include "zrVOMGUI/transfer/MimeData.h"
+
 #include <QApplication>
 #include <QDir>
+#include <QDrag>
+#include <QDropEvent>
 #include <QEventLoop>
 #include <QImage>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
 #include <QProcess>
 #include <QScrollBar>
 #include <QStyle>
@@ -17,6 +24,7 @@
 #include <algorithm>
 #include <initializer_list>
 #include <iostream>
+#include <memory>
 #include <optional>
 
 namespace Explorer {
@@ -36,9 +44,15 @@ public:
             fail(path);
     }
 
-    void add(QString const &name, QWidget &widget)
+    void add(QString const &name, QWidget &widget) { add(name, widget.grab()); }
+
+    /// What is transparent is white.
+    void add(QString const &name, QPixmap const &pixmap)
     {
-        const QImage image = widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        QImage image(pixmap.size(), QImage::Format_RGB32);
+        image.setDevicePixelRatio(pixmap.devicePixelRatio());
+        image.fill(Qt::white);
+        QPainter(&image).drawPixmap(0, 0, pixmap);
         const QString path = folder.filePath(name);
         if (!isSound)
             return;
@@ -64,7 +78,7 @@ private:
 /// A graph by itself, as large as its drawing.
 class Subject : public PackageGraph {
 public:
-    explicit Subject(PackageModel const &shownModel)
+    explicit Subject(PackageModel &shownModel)
         : PackageGraph(shownModel)
     {
         animDuration.set(0);
@@ -87,14 +101,81 @@ public:
         grab();
     }
 
-    void show(std::initializer_list<char const *> names)
+    void show(std::initializer_list<char const *> names) { setVisible(find(names), true); }
+
+    /// Drops packages from elsewhere, with the routes that lead to them.
+    void drop(std::initializer_list<char const *> names)
+    {
+        const Objects objects = find(names);
+        const std::unique_ptr<QMimeData> mimeData(
+            ZR::VOM::GUI::createMimeData({}, &objects, nullptr));
+        const QPoint centre = viewport()->rect().center();
+        QDragEnterEvent enter(centre, Qt::LinkAction, mimeData.get(), Qt::LeftButton,
+                              Qt::NoModifier);
+        QApplication::sendEvent(viewport(), &enter);
+        QDropEvent dropped(centre, Qt::LinkAction, mimeData.get(), Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(viewport(), &dropped);
+    }
+
+    /// Clicks the lower arrow of a package.
+    void clickArrow(char const *name)
+    {
+        const QPoint node = findNode(name);
+        // Just above the lower end of the node's bands, left of its middle.
+        for (int y = node.y(); y < node.y() + arrowSearch; ++y)
+            if (clickReveals(QPoint(node.x() - 1, y)))
+                return;
+    }
+
+    /// What the mouse carries while it drags the selected objects by one of them.
+    QPixmap dragPixmap(char const *name)
+    {
+        const QPoint from = findNode(name);
+        const QPoint to = from + QPoint(QApplication::startDragDistance(), 0);
+        send(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
+        // Offscreen nothing can be dropped: the platform says so, and the drag is over at once.
+        const QtMessageHandler handler =
+            qInstallMessageHandler([](QtMsgType, QMessageLogContext const &, QString const &) {});
+        send(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton);
+        qInstallMessageHandler(handler);
+        auto const *const ended = findChild<QDrag *>();
+        return ended ? ended->pixmap() : QPixmap();
+    }
+
+private:
+    Objects find(std::initializer_list<char const *> names) const
     {
         Objects objects;
         for (char const *name : names)
             if (const RefT<Package> package = getModel().findPackage(name))
                 objects.push_back(package);
-        setVisible(objects, true);
+        return objects;
     }
+
+    /// Where its centre is in the viewport.
+    QPoint findNode(char const *name) const
+    {
+        int x = 0, y = 0;
+        getPos(getModel().findPackage(name), x, y);
+        return QPoint(x - horizontalScrollBar()->value(), y - verticalScrollBar()->value());
+    }
+
+    bool clickReveals(QPoint const &pos)
+    {
+        const std::size_t before = getVisibleObjs().size();
+        send(QEvent::MouseButtonPress, pos, Qt::LeftButton, Qt::LeftButton);
+        send(QEvent::MouseButtonRelease, pos, Qt::LeftButton, Qt::NoButton);
+        return getVisibleObjs().size() != before;
+    }
+
+    void send(QEvent::Type type, QPoint const &pos, Qt::MouseButton button,
+              Qt::MouseButtons buttons)
+    {
+        QMouseEvent event(type, pos, button, buttons, Qt::NoModifier);
+        QApplication::sendEvent(viewport(), &event);
+    }
+
+    static constexpr int arrowSearch = 200;
 };
 
 /// What is taken pictures of.
@@ -105,7 +186,8 @@ public:
 class Scene {
 public:
     explicit Scene(std::vector<PackageRecord> const &records)
-        : model(records)
+        : sharedModel(std::make_shared<PackageModel>(records))
+        , model(*sharedModel)
         , circularModel(records)
     {
         const RefT<Package> apt = model.findPackage("apt");
@@ -125,8 +207,17 @@ public:
         backLinks->show({"curl", "libcurl4", "zlib1g", "libssh2-1", "libssl3", "libc6", "libgcc-s1",
                          "dmsetup", "libdevmapper1.02.1"});
 
-        window.emplace(model, "extract");
-        window->resize(1280, 640);
+        row.emplace(model);
+        row->show({"apt"});
+
+        dropped.emplace(model);
+        dropped->setOutLinks(linkKinds[0], false);
+        dropped->setOutLinks(linkKinds[1], true);
+        dropped->show({"apt", "libc6"});
+        dropped->drop({"adduser", "passwd", "libgnutls30", "curl"});
+
+        window.emplace(sharedModel, "extract");
+        window->resize(1280, 760);
         window->getPage().getGraph().animDuration.set(0);
         window->start("apt");
     }
@@ -143,6 +234,18 @@ public:
         start->fit();
         album.add("graph-dark.png", *start);
         setDarkStyle(false);
+
+        start->setSel({model.findPackage("apt"), model.findPackage("libc6")});
+        album.add("graph-selection.png", *start);
+        album.add("drag-pixmap.png", start->dragPixmap("apt"));
+
+        row->fit();
+        row->clickArrow("apt");
+        settle();
+        row->fit();
+        album.add("graph-row.png", *row);
+        dropped->fit();
+        album.add("graph-drop.png", *dropped);
 
         revealed->fit();
         album.add("graph-revealed.png", *revealed);
@@ -169,8 +272,10 @@ private:
         loop.exec();
     }
 
-    PackageModel model, circularModel;
-    std::optional<Subject> start, revealed, backLinks;
+    const std::shared_ptr<PackageModel> sharedModel;
+    PackageModel &model;
+    PackageModel circularModel;
+    std::optional<Subject> start, revealed, backLinks, row, dropped;
     std::optional<ExplorerWindow> window;
 };
 

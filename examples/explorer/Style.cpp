@@ -46,13 +46,12 @@ QPalette darkPalette()
 
 void setDarkStyle(bool dark)
 {
-    if (!dark) {
-        qApp->setStyleSheet({});
-        qApp->setPalette(qApp->style()->standardPalette());
-        return;
-    }
-    qApp->setPalette(darkPalette());
-    qApp->setStyleSheet(QLatin1String(darkSheet));
+    // A sheet that goes gives some widgets the palette back that they had when it came: the new
+    // palette must come last, and on no sheet.
+    qApp->setStyleSheet({});
+    qApp->setPalette(dark ? darkPalette() : qApp->style()->standardPalette());
+    if (dark)
+        qApp->setStyleSheet(QLatin1String(darkSheet));
 }
 
 } // namespace Explorer

@@ -1,4 +1,5 @@
 #include "ExplorerWindow.h"
+#include "ModelFile.h"
 #include "PackageModel.h"
 #include "Shots.h"
 
@@ -9,12 +10,14 @@
 #include <QFile>
 
 #include <iostream>
+#include <memory>
 #include <optional>
 
 namespace {
 
 constexpr char usage[] =
     "explorer [--status FILE] [--package NAME]   opens a window on the installed packages\n"
+    "explorer FILE.xml [--package NAME]          opens a saved model\n"
     "explorer --shoot DIR                        writes pictures of it into DIR; needs no display\n"
     "explorer --shoot-scaled DIR                 writes only the one of twice the size\n"
     "explorer --help                             says this\n"
@@ -28,6 +31,7 @@ struct Arguments {
     QString shootFolder; // Empty when no pictures are asked for.
     bool scaled = false;
     QString statusFile = "/var/lib/dpkg/status";
+    QString modelFile; // Takes the place of the package database.
     QString packageName;
     bool help = false;
 };
@@ -48,7 +52,9 @@ std::optional<Arguments> readArguments(int argc, char **argv)
     const bool isScaled = parser.isSet(scaled);
     const bool wantsShots = isScaled || parser.isSet(shoot);
     const QString folder = parser.value(isScaled ? scaled : shoot);
-    if (!isRead || !parser.positionalArguments().isEmpty() || (wantsShots && folder.isEmpty())) {
+    const QStringList files = parser.positionalArguments();
+    const bool hasTooManyFiles = files.size() > (wantsShots || parser.isSet(status) ? 0 : 1);
+    if (!isRead || hasTooManyFiles || (wantsShots && folder.isEmpty())) {
         const QString reason = isRead ? QString("what is asked for?") : parser.errorText();
         std::cerr << "explorer: " << reason.toStdString() << '\n' << usage;
         return std::nullopt;
@@ -58,6 +64,8 @@ std::optional<Arguments> readArguments(int argc, char **argv)
     arguments.scaled = isScaled;
     if (parser.isSet(status))
         arguments.statusFile = parser.value(status);
+    if (!files.isEmpty())
+        arguments.modelFile = files.front();
     arguments.packageName = parser.value(package);
     arguments.help = parser.isSet(help);
     return arguments;
@@ -86,6 +94,27 @@ std::vector<Explorer::PackageRecord> readExtract()
     return readRecords(":/packages.status");
 }
 
+/// The packages of a database, or else the extract that comes with the program.
+std::shared_ptr<Explorer::PackageModel> readPackages(QString &source)
+{
+    std::vector<Explorer::PackageRecord> records = readRecords(source);
+    if (records.empty()) {
+        records = readExtract();
+        source = QCoreApplication::translate("Explorer", "extract of another machine");
+    }
+    return std::make_shared<Explorer::PackageModel>(records);
+}
+
+/// Null, with the reason on the standard error stream, when there is none.
+std::shared_ptr<Explorer::PackageModel> readSavedModel(QString const &path)
+{
+    QString error;
+    const std::shared_ptr<Explorer::PackageModel> model = Explorer::readModel(path, error);
+    if (!model)
+        std::cerr << "explorer: " << path.toStdString() << ": " << error.toStdString() << '\n';
+    return model;
+}
+
 int shoot(int argc, char **argv, Arguments const &arguments)
 {
     Explorer::prepareShots(arguments.scaled ? 2 : 1);
@@ -101,13 +130,11 @@ int openWindow(int argc, char **argv, Arguments const &arguments)
     QApplication::setStyle("fusion");
     const QApplication application(argc, argv);
 
-    std::vector<Explorer::PackageRecord> records = readRecords(arguments.statusFile);
-    QString source = arguments.statusFile;
-    if (records.empty()) {
-        records = readExtract();
-        source = QCoreApplication::translate("Explorer", "extract of another machine");
-    }
-    const Explorer::PackageModel model(records);
+    QString source = arguments.modelFile.isEmpty() ? arguments.statusFile : arguments.modelFile;
+    const std::shared_ptr<Explorer::PackageModel> model =
+        arguments.modelFile.isEmpty() ? readPackages(source) : readSavedModel(source);
+    if (!model)
+        return Failed;
     Explorer::ExplorerWindow window(model, source);
     window.show();
     window.start(arguments.packageName);

@@ -231,7 +231,7 @@ void tst_GraphPage::linkRulesAreSwitched()
 
 void tst_GraphPage::windowHasNoShortcutTwice()
 {
-    ExplorerWindow window(*model, "test");
+    ExplorerWindow window(std::make_shared<PackageModel>(makeModel()), "test");
     QStringList keys;
     for (QAction const *action : window.findChildren<QAction *>())
         if (!action->shortcut().isEmpty())
