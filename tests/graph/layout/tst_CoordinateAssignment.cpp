@@ -354,12 +354,17 @@ void tst_CoordinateAssignment::boundHoldsEveryNode()
     ViewGraph graph(randomDag(25, 10, generator));
     layoutFromOrigin(graph);
     int left = graph.node(0).toX, right = left, top = graph.node(0).toY, bottom = top;
-    for (unsigned i = 0; i < graph.numNodes(); ++i) {
-        Node const &node = graph.node(i);
+    const auto include = [&](Node const &node) {
         left = std::min(left, leftOf(node));
         right = std::max(right, rightOf(node));
         top = std::min(top, node.toY - node.height / 2);
         bottom = std::max(bottom, node.toY - node.height / 2 + node.height);
+    };
+    // A long link may swing out beyond all boxes.
+    for (unsigned i = 0; i < graph.numNodes(); ++i) {
+        include(graph.node(i));
+        for (auto const &[far, entry] : graph.node(i).linkedOut)
+            ZR::VOM::GUI::Graph::forEachIntermediate(entry, include);
     }
     QCOMPARE(left, 8);
     QCOMPARE(top, 0);
