@@ -77,6 +77,16 @@ struct GraphViewAccess {
     {
         view.scrollTo(nodes);
     }
+    static std::vector<RefT<VOM::Object>> getDropObjs(ObjectGraphView &view, QMimeData const &data)
+    {
+        return view.getDropObjs(data);
+    }
+    static QPixmap makeDragPixmap(ObjectGraphView &view) { return view.makeDragPixmap(); }
+    static std::vector<RefT<VOM::Object>> &dragObjs(ObjectGraphView &view) { return view.dragObjs; }
+    static std::vector<RefT<VOM::Object>> &dragCopies(ObjectGraphView &view)
+    {
+        return view.dragCopies;
+    }
     static void updateScrollbars(ObjectGraphView &view) { view.updateScrollbars(); }
     static void startScrolling(ObjectGraphView &view, int x, int y) { view.startScrolling(x, y); }
     static void paintNode(ObjectGraphView &view, QPainter &painter, QPoint scroll, Node &node)

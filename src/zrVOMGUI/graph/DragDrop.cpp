@@ -26,6 +26,8 @@ namespace ZR::VOM::GUI {
 namespace {
 
 constexpr std::size_t maxPixmapRows = 16;
+/// Beyond it no window system shows anything: a label of a million characters takes no gigabytes.
+constexpr int maxPixmapEdge = 32767;
 /// The default colour of selected nodes, at half opacity.
 constexpr quint64 pixmapColor = 0x8080ffffe0e0c0c0;
 
@@ -63,6 +65,8 @@ void ObjectGraphView::dragMoveEvent(QDragMoveEvent *event)
     acceptKnown(*event);
 }
 
+/// KEPT: a drop that shows something neither accepts the event nor changes its action. Both stay as
+/// the last move left them, and hosts that forward events rely on their own.
 void ObjectGraphView::dropEvent(QDropEvent *event)
 {
     const std::vector<RefT<Object>> objs =
@@ -134,19 +138,13 @@ void ObjectGraphView::startDrag()
 {
     if (drag)
         return;
+    // KEPT: sigSel isn't emitted when a drag selects the pressed node. Hosts answer sigSel with
+    // other widgets, and a drag isn't the moment for that.
     if (!pressNode->selected)
         setSel({RefT<Object>(pressNode->obj)});
-    dragObjs = getSel();
 
-    // Exporters, and objects that are copied, are the host's.
     const PtrT<ObjectGraphView> self(this);
-    std::vector<RefT<Object>> copies;
-    tryCatch("ZR::VOM::GUI::ObjectGraphView::startDrag",
-             [&] { copies = Copy::Context().copy(dragObjs); });
-    if (!self)
-        return;
-    dragCopies = std::move(copies);
-    std::unique_ptr<QMimeData> mimeData(createMimeData(xmlExporter, &dragObjs, &dragCopies));
+    std::unique_ptr<QMimeData> offer = offerSelection();
     if (!self)
         return;
     const QPixmap pixmap = makeDragPixmap();
@@ -154,9 +152,37 @@ void ObjectGraphView::startDrag()
         return;
 
     drag = new QDrag(this);
-    drag->setMimeData(mimeData.release());
+    drag->setMimeData(offer.release());
     drag->setPixmap(pixmap);
     drag->exec(Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::LinkAction);
+    // Qt keeps the QDrag for as long as another program may ask for its data.
+    if (self)
+        drag = nullptr;
+}
+
+/// Takes the selected objects and their copies, and makes the data that leads to them. Null when
+/// the view is gone: exporters, and objects that are copied or that die, are the host's.
+std::unique_ptr<QMimeData> ObjectGraphView::offerSelection()
+{
+    const PtrT<ObjectGraphView> self(this);
+    std::vector<RefT<Object>> objs = getSel(), copies;
+    const bool areCopied = tryCatch("ZR::VOM::GUI::ObjectGraphView::startDrag",
+                                    [&] { copies = Copy::Context().copy(objs); });
+    if (!self)
+        return {};
+    // KEPT: objects and copies stay until the next drag replaces them, or the view dies: a receiver
+    // may work on them when the drag is long over.
+    dragObjs.swap(objs);
+    dragCopies.swap(copies);
+    objs.clear();
+    copies.clear();
+    if (!self)
+        return {};
+    std::unique_ptr<QMimeData> offer(
+        createMimeData(xmlExporter, &dragObjs, areCopied ? &dragCopies : nullptr));
+    if (!self)
+        return {};
+    return offer;
 }
 
 /// A drag that runs while its view is destroyed lives on until it ends, with nothing to offer.
@@ -165,17 +191,21 @@ void ObjectGraphView::abandonDrag()
     if (!drag)
         return;
     drag->setParent(nullptr);
-    drag->setMimeData(new QMimeData);
+    // Emptied, not replaced: whoever destroys the view may be in the middle of a drop.
+    drag->mimeData()->clear();
     QDrag::cancel();
 }
 
+/// KEPT: of more than 16 objects the first 16 are shown, and no mark of the rest, so that the
+/// picture hides no target from the user.
 QPixmap ObjectGraphView::makeDragPixmap()
 {
-    std::vector<RefT<Object>> rows(dragObjs);
-    if (rows.size() > maxPixmapRows)
-        rows.resize(maxPixmapRows);
+    const auto end =
+        dragObjs.begin() + static_cast<std::ptrdiff_t>(std::min(dragObjs.size(), maxPixmapRows));
+    const std::vector<RefT<Object>> rows(dragObjs.begin(), end);
     const QSize size =
-        layoutItemList(rows, fieldName, typeName, false, font(), margin, margin, iconSize);
+        layoutItemList(rows, fieldName, typeName, false, font(), margin, margin, iconSize)
+            .boundedTo({maxPixmapEdge, maxPixmapEdge});
     QPixmap pixmap(size * devicePixelRatioF());
     if (pixmap.isNull())
         return pixmap;
@@ -185,9 +215,10 @@ QPixmap ObjectGraphView::makeDragPixmap()
     painter.setFont(font());
     painter.setBackground(palette().window());
     painter.setPen(palette().color(QPalette::Text));
+    // The database may be replaced while it is asked.
+    const RefT<ObjectIconDB> icons = objIconDB;
     tryCatch("ZR::VOM::GUI::ObjectGraphView::makeDragPixmap", [&] {
-        paintItemList(painter, rows, objIconDB, fieldName, typeName, false, margin, margin,
-                      iconSize);
+        paintItemList(painter, rows, icons, fieldName, typeName, false, margin, margin, iconSize);
     });
     return pixmap;
 }

@@ -17,6 +17,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <utility>
@@ -361,6 +362,7 @@ private:
     std::vector<RefT<Object>> showRoutesTo(std::set<RefT<Node>> const &dropped, QPoint const &from);
     std::set<RefT<Node>> findVisibleComponents() const;
     void startDrag();
+    std::unique_ptr<QMimeData> offerSelection();
     void abandonDrag();
     QPixmap makeDragPixmap();
 
