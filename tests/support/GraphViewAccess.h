@@ -65,6 +65,14 @@ struct GraphViewAccess {
         return view.getVisibleBound(nodes, left, top, right, bottom);
     }
 
+    /// What a point in content coordinates meets: 0 nothing, 1 a box, 2 an upper and 3 a lower
+    /// arrow.
+    static std::pair<RefT<Node>, int> find(ObjectGraphView const &view, QPoint const &pos)
+    {
+        const auto [node, hit] = view.find(pos.x(), pos.y());
+        return {node, hit};
+    }
+
     static void showLinkedIn(ObjectGraphView &view, RefT<Node> const &node)
     {
         view.showLinkedIn(node);
