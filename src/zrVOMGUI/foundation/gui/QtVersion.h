@@ -3,6 +3,7 @@
 // What differs between Qt versions.
 
 #include <QCoreApplication>
+#include <QDropEvent>
 
 #if QT_VERSION < QT_VERSION_CHECK(5, 15, 0)
 #error "zrVOMGUI needs Qt 5.15"
@@ -18,6 +19,21 @@ inline void enableHighDpi()
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
 #endif
+}
+
+/// Reaches what a QDropEvent keeps from others than its sender.
+struct DropEventAccess : QDropEvent {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    static constexpr auto proposed = &DropEventAccess::m_defaultAction;
+#else
+    static constexpr auto proposed = &DropEventAccess::default_action;
+#endif
+};
+
+/// Lets the event propose another action than its modifiers do.
+inline void setDefaultAction(QDropEvent &event, Qt::DropAction action)
+{
+    event.*DropEventAccess::proposed = action;
 }
 
 } // namespace ZR::GUI
