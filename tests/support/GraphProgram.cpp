@@ -36,6 +36,8 @@ GraphProgram::Deed const GraphProgram::deeds[] = {
     {20, &GraphProgram::show},
     {4, &GraphProgram::hide},
     {3, &GraphProgram::select},
+    {4, &GraphProgram::click},
+    {1, &GraphProgram::selectByKey},
     {14, &GraphProgram::layout},
     {6, &GraphProgram::addRule},
     {3, &GraphProgram::removeRule},

@@ -87,6 +87,8 @@ private:
 
     void makeObject();
     RefT<Object> anyObject(Dice &dice);
+    /// Those of a sorted list of names that are still there.
+    Things named(std::vector<std::string> const &names) const;
     Things someObjects(Dice &dice, unsigned max);
     PtrT<Field> anyField(Dice &dice, bool (*wanted)(int type));
     void replaceLinks(Field &field, std::size_t index, std::size_t numRemoved, Things values);
@@ -104,6 +106,8 @@ private:
     void hide(Dice &dice);
     void changeVisible(Watched &watched, Things const &list, bool visible);
     void select(Dice &dice);
+    void click(Dice &dice);
+    void selectByKey(Dice &dice);
     void layout(Dice &dice);
     void addRule(Dice &dice);
     void removeRule(Dice &dice);

@@ -6,6 +6,10 @@
 #include "support/ViewProbe.h"
 #include "support/dump.h"
 
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+
 #include <algorithm>
 #include <array>
 #include <tuple>
@@ -106,6 +110,68 @@ void GraphProgram::select(Dice &dice)
     say(viewName(watched) + "select" + describe(list));
     watched.oracle.setSel(list);
     watched.view.setSel(list);
+}
+
+Things GraphProgram::named(std::vector<std::string> const &names) const
+{
+    Things found;
+    for (PtrT<Object> const &obj : objs)
+        if (obj && std::binary_search(names.begin(), names.end(), nameOf(obj)))
+            found.emplace_back(obj);
+    return found;
+}
+
+/// Clicks the middle of a visible node, where another one may lie over it.
+void GraphProgram::click(Dice &dice)
+{
+    Watched &watched = anyView(dice);
+    const Things visible = watched.view.getVisibleObjs();
+    const bool withControl = dice.oneIn(2);
+    if (visible.empty())
+        return say(viewName(watched) + "click nowhere");
+    int x = 0, y = 0;
+    watched.view.getPos(visible[dice.below(unsigned(visible.size()))], x, y);
+    const auto areaContains = [&](RefT<Object> const &obj, int band) {
+        Graph::Node const &node = *GraphViewAccess::node(watched.view, obj);
+        return QRect(node.x - node.width / 2, node.y - node.height / 2 + band, node.width,
+                     node.height - 2 * band)
+            .contains(x, y);
+    };
+    const auto hit = std::find_if(visible.begin(), visible.end(),
+                                  [&](RefT<Object> const &obj) { return areaContains(obj, 0); });
+    // In a band there may be an arrow.
+    if (hit != visible.end() && !areaContains(*hit, GraphViewAccess::iconSize(watched.view)))
+        return say(viewName(watched) + "click no band");
+    Things selected = withControl ? named(watched.oracle.names(false, true)) : Things();
+    if (hit == visible.end()) {
+        selected.clear();
+    } else {
+        const auto before = std::find(selected.begin(), selected.end(), *hit);
+        if (before == selected.end())
+            selected.push_back(*hit);
+        else
+            selected.erase(before);
+    }
+    say(viewName(watched) + "click" + describe(selected));
+    watched.oracle.setSel(selected);
+    watched.toTell = "selection;";
+    const QPoint pos = QPoint(x, y) - QPoint(watched.view.horizontalScrollBar()->value(),
+                                             watched.view.verticalScrollBar()->value());
+    QMouseEvent release(QEvent::MouseButtonRelease, pos, Qt::LeftButton, Qt::NoButton,
+                        withControl ? Qt::ControlModifier : Qt::NoModifier);
+    QCoreApplication::sendEvent(watched.view.viewport(), &release);
+}
+
+void GraphProgram::selectByKey(Dice &dice)
+{
+    Watched &watched = anyView(dice);
+    const bool all = dice.oneIn(2);
+    say(viewName(watched) + (all ? "select all" : "select none"));
+    watched.oracle.setSel(all ? watched.view.getVisibleObjs() : Things());
+    watched.toTell = "selection;";
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_A,
+                  all ? Qt::ControlModifier : Qt::ControlModifier | Qt::ShiftModifier);
+    QCoreApplication::sendEvent(&watched.view, &key);
 }
 
 void GraphProgram::layout(Dice &dice)
