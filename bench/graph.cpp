@@ -1,5 +1,5 @@
 // What the graph view costs beside the layout: adding objects, showing them, painting, animation
-// ticks and field changes, at 1,000, 10,000 and 100,000 nodes with two links each.
+// ticks, field changes and drops, at 1,000, 10,000 and 100,000 nodes with two links each.
 //
 //     ./run bench graph [--largest NODES]
 //
@@ -7,10 +7,14 @@
 // before. "paint" is one paint of a viewport of 1,000 by 700 pixels, scrolled to the middle of the
 // drawing: the bulk of the graph is off screen. "tick" is one step of the node animation without
 // its paint. "field change" sets one list of links to the other of two values.
+// "drag move" is one move of a drag with all objects over the view, "drop" the drop of them when
+// all are shown, and "drop hidden" when none is: as "show", and the search for routes.
 
 #include "support/GraphModel.h"
 #include "support/GraphViewAccess.h"
+#include "support/SentDrag.h"
 #include "support/Table.h"
+#include "zrVOMGUI/transfer/MimeData.h"
 
 #include <QApplication>
 #include <QImage>
@@ -21,6 +25,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -58,9 +63,24 @@ void endAnimation(ObjectGraphView &view)
     tick(view);
 }
 
+constexpr int repeat = 9;
+
+void measureDrops(GraphModel const &model, ObjectGraphView &view, Table &table)
+{
+    const auto numNodes = static_cast<unsigned>(model.objs.size());
+    const std::unique_ptr<QMimeData> data(ZR::VOM::GUI::createMimeData({}, &model.objs, nullptr));
+    const QPoint pos(500, 350);
+    SentDrag drag(view);
+    drag.enter(pos, data.get());
+    table.add("drag move", numNodes, timesOf(repeat, [&] { drag.move(pos, data.get()); }));
+    table.add("drop", numNodes, timesOf(1, [&] { drag.drop(pos, data.get()); }));
+    view.setVisible(model.objs, false);
+    drag.enter(pos, data.get());
+    table.add("drop hidden", numNodes, timesOf(1, [&] { drag.drop(pos, data.get()); }));
+}
+
 void measure(unsigned numNodes, Table &table)
 {
-    constexpr int repeat = 9;
     GraphModel model(numNodes);
     model.fill(forest(numNodes));
     ObjectGraphView view;
@@ -87,6 +107,7 @@ void measure(unsigned numNodes, Table &table)
                                 isOld ? oldLinks : decltype(oldLinks){model.objs[numNodes - 1]});
               }));
     table.add("select", numNodes, timesOf(repeat, [&] { view.setSel({model.objs[0]}); }));
+    measureDrops(model, view, table);
     table.add("clear", numNodes, timesOf(1, [&] { view.clear(); }));
 }
 
