@@ -6,6 +6,7 @@
 #include "zrVOMGUI/graph/private/Node.h"
 #include "zrVOMGUI/graph/private/PaintContext.h"
 
+#include <QDrag>
 #include <QPoint>
 #include <QTimer>
 
@@ -90,6 +91,7 @@ struct GraphViewAccess {
         return view.getDropObjs(data);
     }
     static QPixmap makeDragPixmap(ObjectGraphView &view) { return view.makeDragPixmap(); }
+    static QDrag *drag(ObjectGraphView &view) { return view.drag; }
     static std::vector<RefT<VOM::Object>> &dragObjs(ObjectGraphView &view) { return view.dragObjs; }
     static std::vector<RefT<VOM::Object>> &dragCopies(ObjectGraphView &view)
     {
