@@ -580,6 +580,7 @@ void tst_Drop::dropLeavesTheEventAsItWas_data()
     QTest::newRow("ignored") << false << Qt::MoveAction;
 }
 
+/// KEPT: the event stays as the last move left it.
 void tst_Drop::dropLeavesTheEventAsItWas()
 {
     QFETCH(bool, accepted);
