@@ -1,0 +1,333 @@
+#include "zrVOMGUI/widgets/ObjectView.h"
+
+#include "zrVOMGUI/foundation/util/Error.h"
+#include "zrVOMGUI/presentation/ItemLabel.h"
+#include "zrVOMGUI/transfer/MimeData.h"
+
+#include <QApplication>
+#include <QDrag>
+#include <QDragEnterEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyle>
+
+#include <iostream>
+#include <memory>
+
+namespace ZR::VOM::GUI {
+
+namespace {
+
+/// The colour of selected objects elsewhere, at half opacity.
+constexpr quint64 pixmapColor = 0x8080ffffe0e0c0c0;
+
+int iconSizeOf(QWidget const &widget)
+{
+    return widget.style()->pixelMetric(QStyle::PM_ButtonIconSize, nullptr, &widget);
+}
+
+} // namespace
+
+ObjectView::ObjectView(RefT<Exporter> const &xmlExporter, RefT<Xml::Importer> const &xmlImporter,
+                       QWidget *parent)
+    : QFrame(parent)
+    , exporter(xmlExporter)
+    , importer(xmlImporter)
+    , iconLabel(new QLabel(this))
+    , textLabel(new QLabel(this))
+{
+    constexpr int edge = 4;
+    auto *const row = new QHBoxLayout(this);
+    row->setContentsMargins(edge, edge, edge, edge);
+    row->addWidget(iconLabel, 0);
+    row->addWidget(textLabel, 1);
+    // A label is a line of text, whatever it looks like.
+    textLabel->setTextFormat(Qt::PlainText);
+    setFrameStyle(int(QFrame::Box) | int(QFrame::Sunken));
+    QPalette colors = palette();
+    colors.setBrush(QPalette::Active, QPalette::Window, colors.base());
+    setPalette(colors);
+    setAutoFillBackground(true);
+    setAcceptDrops(true);
+}
+
+ObjectView::~ObjectView()
+{
+    connection.disconnect();
+    if (!runningDrag)
+        return;
+    // Lives on until it ends, with nothing to offer.
+    runningDrag->setParent(nullptr);
+    runningDrag->mimeData()->clear();
+    QDrag::cancel();
+}
+
+void ObjectView::setObjIconDB(RefT<ObjectIconDB> const &db)
+{
+    objIconDB = db;
+    if (value)
+        updateIcon();
+}
+
+void ObjectView::setFieldName(std::string const &name)
+{
+    fieldName = name;
+    if (value)
+        updateLabel();
+}
+
+void ObjectView::setTypeName(bool on)
+{
+    typeName = on;
+    if (value)
+        updateLabel();
+}
+
+void ObjectView::setDragEnabled(bool enabled, bool intern)
+{
+    dragEnabled = enabled;
+    dragIntern = intern;
+}
+
+void ObjectView::setValue(RefT<Object> const &object)
+{
+    value = object;
+    hasValue = true;
+    updateIcon();
+    updateLabel();
+}
+
+void ObjectView::clear()
+{
+    value = {};
+    hasValue = false;
+    iconLabel->setPixmap({});
+    textLabel->setText({});
+}
+
+void ObjectView::confirm()
+{
+    const QPointer<ObjectView> self(this);
+    onConfirm();
+    if (!self)
+        return;
+    SigVoidData sigData;
+    sigConfirm.emitCatching(sigData, "ZR::VOM::GUI::ObjectView::confirm");
+}
+
+void ObjectView::updateIcon()
+{
+    iconLabel->setPixmap(onUpdateIcon());
+}
+
+void ObjectView::updateLabel()
+{
+    textLabel->setText(onUpdateText());
+}
+
+void ObjectView::onPtrObjFieldNameSigSet(FieldString::SigSetData const &)
+{
+    updateLabel();
+}
+
+void ObjectView::onConfirm() {}
+
+QPixmap ObjectView::onUpdateIcon()
+{
+    QIcon icon;
+    tryCatch("ZR::VOM::GUI::ObjectView::onUpdateIcon", [&] {
+        if (objIconDB)
+            icon = objIconDB->find(RefT<Object>(value));
+    });
+    const int size = iconSizeOf(*this);
+    QWindow *const windowHandle = window()->windowHandle();
+    return windowHandle ? icon.pixmap(windowHandle, QSize(size, size))
+                        : icon.pixmap(size, size, QIcon::Normal, QIcon::Off);
+}
+
+QString ObjectView::onUpdateText()
+{
+    RefT<FieldString> found;
+    const std::string label = getItemLabel(RefT<Object>(value), fieldName, typeName, false, found);
+    if (found.get() != nameField.get()) {
+        connection.disconnect();
+        nameField = found;
+        if (found)
+            connection = found->sigSet.connect([this](FieldString::SigSetData const &sigData) {
+                onPtrObjFieldNameSigSet(sigData);
+            });
+    }
+    return QString::fromStdString(label);
+}
+
+void ObjectView::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::StyleChange && value)
+        updateIcon();
+    QFrame::changeEvent(event);
+}
+
+void ObjectView::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton && dragEnabled)
+        pressPos = event->pos();
+}
+
+void ObjectView::mouseMoveEvent(QMouseEvent *event)
+{
+    const bool mayDrag = (event->buttons() & Qt::LeftButton) && dragEnabled;
+    if (mayDrag && (event->pos() - pressPos).manhattanLength() >= QApplication::startDragDistance())
+        startDrag();
+}
+
+/// Returns when the drag is over. Until then the model may change, and the slot may be destroyed.
+void ObjectView::startDrag()
+{
+    const QPointer<ObjectView> self(this);
+    dragObjs = {RefT<Object>(value)};
+    std::unique_ptr<QMimeData> payload(createMimeData(exporter, &dragObjs, nullptr));
+    if (!self)
+        return;
+    if (dragIntern) {
+        runDrag(*new ZR::GUI::Drag(this), payload.release());
+    } else {
+        runningDrag = new QDrag(this);
+        runDrag(*runningDrag, payload.release());
+    }
+    if (!self)
+        return;
+    runningDrag = nullptr;
+    dragObjs.clear();
+}
+
+template <class AnyDrag>
+void ObjectView::runDrag(AnyDrag &drag, QMimeData *payload)
+{
+    const QPointer<ObjectView> self(this);
+    const QPointer<AnyDrag> kept(&drag);
+    drag.setMimeData(payload);
+    drag.setPixmap(makeDragPixmap());
+    const Qt::DropAction action = drag.exec(dragActions, defaultDragAction);
+    if (self && kept)
+        onDragDrop(drag, action);
+}
+
+void ObjectView::onDragDrop(ZR::GUI::Drag &drag, Qt::DropAction action)
+{
+    if (action == Qt::MoveAction && drag.source() != drag.target())
+        moveAway();
+}
+
+void ObjectView::onDragDrop(QDrag &drag, Qt::DropAction action)
+{
+    if (action == Qt::MoveAction && drag.source() != drag.target())
+        moveAway();
+}
+
+/// KEPT: the slot stays set, to nothing. Forms tell a value that the user moved away from one that
+/// was never there.
+void ObjectView::moveAway()
+{
+    setValue({});
+    confirm();
+}
+
+QPixmap ObjectView::makeDragPixmap() const
+{
+    const int iconSize = iconSizeOf(*this);
+    const QSize size = layoutItemList(dragObjs, fieldName, typeName, false, font(), 0, 0, iconSize);
+    QPixmap pixmap(size * devicePixelRatioF());
+    if (pixmap.isNull())
+        return pixmap;
+    pixmap.setDevicePixelRatio(devicePixelRatioF());
+    pixmap.fill(QColor(QRgba64::fromRgba64(pixmapColor)));
+    QPainter painter(&pixmap);
+    painter.setFont(font());
+    painter.setBackground(palette().window());
+    painter.setPen(palette().color(QPalette::Text));
+    tryCatch("ZR::VOM::GUI::ObjectView::makeDragPixmap", [&] {
+        paintItemList(painter, dragObjs, objIconDB, fieldName, typeName, false, 0, 0, iconSize);
+    });
+    return pixmap;
+}
+
+ObjectView::Dropped ObjectView::readDropped(QMimeData const &payload) const
+{
+    Dropped dropped;
+    if (!getFromMimeData(payload, dropped.objects) && importer) {
+        dropped.copied = true;
+        getFromMimeData(payload, *importer, dropped.objects);
+    }
+    return dropped;
+}
+
+void ObjectView::acceptDrag(QDropEvent &event)
+{
+    if (!event.mimeData())
+        return;
+    const Dropped dropped = readDropped(*event.mimeData());
+    event.setAccepted(onCanDrop(dropped.objects, dropped.copied, event));
+}
+
+void ObjectView::dragEnterEvent(QDragEnterEvent *event)
+{
+    acceptDrag(*event);
+}
+
+void ObjectView::dragMoveEvent(QDragMoveEvent *event)
+{
+    acceptDrag(*event);
+}
+
+void ObjectView::dropEvent(QDropEvent *event)
+{
+    if (event->mimeData()) {
+        const Dropped dropped = readDropped(*event->mimeData());
+        onDrop(dropped.objects, dropped.copied, *event);
+    }
+    event->accept();
+}
+
+bool ObjectView::onCanDrop(std::vector<RefT<Object>> const &objects, bool, QDropEvent &event)
+{
+    if (objects.size() != 1)
+        return false;
+    const Qt::DropActions possible = dropActions & event.possibleActions();
+    const Qt::DropAction action = actionFor(event, possible);
+    if (action == Qt::IgnoreAction)
+        return false;
+    // KEPT: each accepted step of a drag is told on the standard output: whoever integrates the
+    // slot follows there what a drop would do.
+    std::cout << "ZR::VOM::GUI::ObjectView::onCanDrop()\n"
+              << "  dropActions: " << int(possible) << '\n'
+              << "  dropAction: " << int(action) << '\n';
+    event.setDropAction(action);
+    return true;
+}
+
+/// KEPT: a modifier alone asks for one action and for no other; several at once ask for the
+/// default. Users who hold Shift get a move or nothing.
+Qt::DropAction ObjectView::actionFor(QDropEvent const &event, Qt::DropActions possible) const
+{
+    Qt::DropAction wanted = defaultDropAction;
+    if (event.keyboardModifiers() == Qt::ShiftModifier)
+        wanted = Qt::MoveAction;
+    else if (event.keyboardModifiers() == Qt::ControlModifier)
+        wanted = Qt::CopyAction;
+    else if (event.keyboardModifiers() == Qt::AltModifier)
+        wanted = Qt::LinkAction;
+    return Qt::DropAction(int(possible & wanted));
+}
+
+void ObjectView::onDrop(std::vector<RefT<Object>> const &objects, bool, QDropEvent &)
+{
+    if (objects.size() != 1)
+        return;
+    setValue(objects.front());
+    confirm();
+}
+
+} // namespace ZR::VOM::GUI

@@ -1,0 +1,174 @@
+#pragma once
+
+#include "zrVOMGUI/export.h"
+#include "zrVOMGUI/foundation/gui/Drag.h"
+#include "zrVOMGUI/foundation/util/Signal.h"
+#include "zrVOMGUI/foundation/vom/Exporter.h"
+#include "zrVOMGUI/foundation/vom/Field.h"
+#include "zrVOMGUI/foundation/vom/Importer.h"
+#include "zrVOMGUI/presentation/ObjectIconDB.h"
+
+#include <QFrame>
+#include <QPixmap>
+#include <QPoint>
+#include <QPointer>
+
+#include <set>
+#include <string>
+#include <vector>
+
+class QDrag;
+class QLabel;
+
+namespace ZR::VOM::GUI {
+
+/// A slot for one object: its icon and label in a frame, to be dragged out and dropped in.
+///
+/// What a form uses for a field that refers to one object. Derive from it to change the picture,
+/// the text and the drop rule. The slot watches its object and doesn't keep it alive; it never
+/// changes the model.
+///
+/// A slot that isn't set is empty; one that is set may be empty, too: of the null reference, or
+/// since its object was moved away or died. GUI thread only.
+class ZRVOMGUI_EXPORT ObjectView : public QFrame {
+    Q_OBJECT
+
+public:
+    using Object = VOM::Object;
+
+    /// `exporter` writes the XML of drags, `importer` reads that of drops from elsewhere; either
+    /// may be empty.
+    ObjectView(RefT<Exporter> const &exporter, RefT<Xml::Importer> const &importer,
+               QWidget *parent = nullptr);
+    ~ObjectView() override;
+
+    /// \name The value
+    /// None of these emits sigConfirm.
+    /// @{
+
+    /// Null when the slot is empty.
+    PtrT<Object> const &getValue() const { return value; }
+    /// Whether there is a value, be it null.
+    bool isSet() const { return hasValue; }
+    void setValue(RefT<Object> const &object);
+    /// Empties the slot, which isn't set afterwards.
+    void clear();
+    /// @}
+
+    /// Says that the user confirmed the value: onConfirm() and then sigConfirm.
+    void confirm();
+
+    /// \name What is shown
+    /// @{
+
+    /// Where the icon comes from; empty by default.
+    RefT<ObjectIconDB> const &getObjIconDB() const { return objIconDB; }
+    void setObjIconDB(RefT<ObjectIconDB> const &db);
+    /// The name of the string field that names the object; empty by default.
+    std::string const &getFieldName() const { return fieldName; }
+    void setFieldName(std::string const &name);
+    /// Whether the label shows the class name; false by default.
+    bool isTypeName() const { return typeName; }
+    void setTypeName(bool on);
+    /// @}
+
+    /// \name Dragging out and dropping in
+    /// @{
+
+    bool isDragEnabled() const { return dragEnabled; }
+    bool isDragIntern() const { return dragIntern; }
+    /// Whether the object can be dragged out, which it can't by default; and whether the drag stays
+    /// within this process.
+    void setDragEnabled(bool enabled, bool intern);
+
+    /// What is offered when dragging out: copy, move and link by default, of which copy is the
+    /// default action.
+    Qt::DropActions getDragActions() const { return dragActions; }
+    void setDragActions(Qt::DropActions actions) { dragActions = actions; }
+    Qt::DropAction getDefaultDragAction() const { return defaultDragAction; }
+    void setDefaultDragAction(Qt::DropAction action) { defaultDragAction = action; }
+
+    /// What is accepted on a drop, and what is taken of it without a modifier key; the same
+    /// defaults.
+    Qt::DropActions getDropActions() const { return dropActions; }
+    void setDropActions(Qt::DropActions actions) { dropActions = actions; }
+    Qt::DropAction getDefaultDropAction() const { return defaultDropAction; }
+    void setDefaultDropAction(Qt::DropAction action) { defaultDropAction = action; }
+
+    /// Further types, for derived classes that read them; nothing here does.
+    std::set<std::string> const &getMimeTypes() const { return mimeTypes; }
+    void addMimeType(std::string const &type) { mimeTypes.insert(type); }
+    void removeMimeType(std::string const &type) { mimeTypes.erase(type); }
+    void clearMimeTypes() { mimeTypes.clear(); }
+    /// @}
+
+protected:
+    /// The user changed the value. Does nothing here.
+    virtual void onConfirm();
+    /// The picture of the value; called when it or the database changes.
+    virtual QPixmap onUpdateIcon();
+    /// The text of the value; called when it, its name or the settings change.
+    virtual QString onUpdateText();
+    /// Whether the objects may be dropped; sets the event's drop action to what the drop would do.
+    /// `copied` says that they are new ones, made of XML.
+    virtual bool onCanDrop(std::vector<RefT<Object>> const &objects, bool copied,
+                           QDropEvent &event);
+    /// Takes a dropped object as the value, and confirms it. Of more or less than one nothing.
+    virtual void onDrop(std::vector<RefT<Object>> const &objects, bool copied, QDropEvent &event);
+    /// A drag from here is over. Empties the slot, and confirms that, when the object was moved
+    /// elsewhere.
+    virtual void onDragDrop(ZR::GUI::Drag &drag, Qt::DropAction action);
+    virtual void onDragDrop(QDrag &drag, Qt::DropAction action);
+
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+public:
+    /// The user changed the value: by a drop, by moving it away, or what confirm() stands for.
+    SignalT<SigVoidData> sigConfirm;
+
+private:
+    struct Dropped {
+        std::vector<RefT<Object>> objects;
+        bool copied = false;
+    };
+
+    void updateIcon();
+    void updateLabel();
+    void onPtrObjFieldNameSigSet(FieldString::SigSetData const &sigData);
+    void startDrag();
+    template <class AnyDrag>
+    void runDrag(AnyDrag &drag, QMimeData *data);
+    void moveAway();
+    QPixmap makeDragPixmap() const;
+    Dropped readDropped(QMimeData const &data) const;
+    void acceptDrag(QDropEvent &event);
+    Qt::DropAction actionFor(QDropEvent const &event, Qt::DropActions possible) const;
+
+    RefT<Exporter> exporter;
+    RefT<Xml::Importer> importer;
+    RefT<ObjectIconDB> objIconDB;
+    std::string fieldName;
+    bool typeName = false;
+    bool dragEnabled = false;
+    bool dragIntern = false;
+    Qt::DropActions dragActions = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
+    Qt::DropAction defaultDragAction = Qt::CopyAction;
+    Qt::DropActions dropActions = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
+    Qt::DropAction defaultDropAction = Qt::CopyAction;
+    std::set<std::string> mimeTypes;
+    bool hasValue = false;
+    PtrT<Object> value;
+    PtrT<FieldString> nameField; // From which the label was made last.
+    QPoint pressPos;
+    std::vector<RefT<Object>> dragObjs; // Of the running drag.
+    QLabel *iconLabel, *textLabel;
+    Signal::Connection connection; // To the name field's sigSet.
+    QPointer<QDrag> runningDrag;
+};
+
+} // namespace ZR::VOM::GUI

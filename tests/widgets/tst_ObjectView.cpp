@@ -1,0 +1,555 @@
+#include "foundation/gui/DragScene.h"
+#include "support/Things.h"
+#include "zrVOMGUI/foundation/vom/Exporter.h"
+#include "zrVOMGUI/foundation/vom/XmlExporter.h"
+#include "zrVOMGUI/foundation/vom/XmlImporter.h"
+#include "zrVOMGUI/transfer/MimeData.h"
+#include "zrVOMGUI/transfer/MimeTypes.h"
+#include "zrVOMGUI/widgets/ObjectView.h"
+
+#include <QDrag>
+#include <QHBoxLayout>
+#include <QLabel>
+
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+using namespace ZR::VOM;
+using namespace ZR::VOM::GUI;
+using ZR::RefT;
+using Objects = std::vector<RefT<Object>>;
+
+namespace {
+
+/// A slot that tells what it is asked.
+class Slot : public ObjectView {
+public:
+    explicit Slot(QWidget *parent = nullptr, RefT<Xml::Importer> const &reader = {})
+        : ObjectView(RefT<Exporter>(new XmlExporter), reader, parent)
+    {
+        setFieldName("name");
+        sigConfirm.connect([this](auto const &) { log += "sigConfirm"; });
+    }
+
+    QString text() const { return labels().at(1)->text(); }
+    bool hasIcon() const { return !labels().at(0)->pixmap(Qt::ReturnByValue).isNull(); }
+    /// Even one that was refused before, which no application gets.
+    void takeDrop(QDropEvent &event) { dropEvent(&event); }
+    QString take() { return std::exchange(log, {}).join(' '); }
+
+    QStringList log;
+
+protected:
+    void onConfirm() override { log += "onConfirm"; }
+
+private:
+    QList<QLabel *> labels() const { return findChildren<QLabel *>(); }
+};
+
+/// Catches what is written to the standard output.
+class Output {
+public:
+    Output()
+        : before(std::cout.rdbuf(text.rdbuf()))
+    {
+    }
+    ~Output() { std::cout.rdbuf(before); }
+    QString take()
+    {
+        const std::string taken = text.str();
+        text.str({});
+        return QString::fromStdString(taken);
+    }
+
+private:
+    std::ostringstream text;
+    std::streambuf *const before;
+};
+
+class RedDB : public ObjectIconDB {
+public:
+    QIcon find(RefT<Object> const &) const override
+    {
+        QPixmap pixmap(16, 16);
+        pixmap.fill(Qt::red);
+        return pixmap;
+    }
+};
+
+RefT<XmlImporter> makeImporter()
+{
+    const RefT<ClassRegistry> registry(new ClassRegistry);
+    registry->add<Thing>(ClassRegistry::Fields::Open);
+    return new XmlImporter(registry);
+}
+
+/// What a drag over the widget, and then a drop on it, come to.
+struct DropResult {
+    bool accepted;
+    Qt::DropAction action;
+};
+DropResult dragOver(QWidget &widget, QMimeData const &payload, Qt::KeyboardModifiers modifiers = {},
+                    Qt::DropActions possible = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction)
+{
+    QDragEnterEvent enter(QPoint(1, 1), possible, &payload, Qt::LeftButton, modifiers);
+    enter.setAccepted(false);
+    QApplication::sendEvent(&widget, &enter);
+    return {enter.isAccepted(), enter.isAccepted() ? enter.dropAction() : Qt::IgnoreAction};
+}
+void drop(Slot &slot, QMimeData const &payload)
+{
+    QDropEvent event(QPointF(1, 1), Qt::CopyAction, &payload, Qt::LeftButton, {});
+    event.setAccepted(false);
+    slot.takeDrop(event);
+    QVERIFY(event.isAccepted());
+}
+
+} // namespace
+
+class tst_ObjectView : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void newSlotIsEmptyAndTakesEverything();
+    void valueShowsIconAndLabel();
+    void clearedSlotShowsNothing();
+    void settersUpdateOnlyAValue();
+    void labelFollowsTheNameField();
+    void valueIsNotKeptAlive();
+    void labelIsNoMarkup();
+    void confirmTellsTheClassAndThenTheHost();
+
+    void dropTakesOneObject();
+    void dropOfNoneOrSeveralIsRefused();
+    void modifiersDecide_data();
+    void modifiersDecide();
+    void acceptedStepIsTraced();
+    void refusedStepIsNotTraced();
+    void xmlIsTakenWithAnImporterOnly();
+    void xmlThatDoesNotParseIsRefused();
+    void referenceOfAnotherProcessIsRefused();
+
+    void dragCarriesTheObject_data();
+    void dragCarriesTheObject();
+    void emptySlotCarriesAnEmptyReference();
+    void disabledSlotIsNotDragged();
+    void shortMoveIsNoDrag();
+    void moveAwayLeavesASetButEmptySlot_data();
+    void moveAwayLeavesASetButEmptySlot();
+    void copyAndLinkLeaveTheValue();
+    void dropOnItselfLeavesTheValue();
+    void slotMayDieDuringItsDrag_data();
+    void slotMayDieDuringItsDrag();
+    void mimeTypesAreKept();
+
+private:
+    /// Good until the next one is made: the list is named by its address.
+    std::unique_ptr<QMimeData> payloadOf(Objects const &objs)
+    {
+        offeredObjs = objs;
+        return std::unique_ptr<QMimeData>(createMimeData({}, &offeredObjs, nullptr));
+    }
+    void dragOut(std::vector<std::function<void()>> steps);
+
+    std::unique_ptr<QWidget> window;
+    QPointer<Slot> slot;
+    QPointer<gui_test::Site> site;
+    Objects things, offeredObjs;
+};
+
+/// A slot on the left, and a site that takes drops on the right.
+void tst_ObjectView::init()
+{
+    things = makeThings("ab");
+    window = std::make_unique<QWidget>();
+    window->setGeometry(0, 0, 200, 60);
+    slot = new Slot(window.get());
+    slot->setGeometry(0, 0, 100, 60);
+    site = new gui_test::Site(window.get());
+    site->setGeometry(100, 0, 100, 60);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+}
+
+void tst_ObjectView::cleanup()
+{
+    window.reset();
+}
+
+/// Presses in the slot and moves while it drags; the steps begin when the drag runs.
+void tst_ObjectView::dragOut(std::vector<std::function<void()>> steps)
+{
+    gui_test::press(*slot);
+    const gui_test::Hand hand(std::move(steps));
+    // The drag begins in here, and is over when it returns.
+    const QPoint from = gui_test::centerOf(*slot);
+    gui_test::sendMouse(*window, QEvent::MouseMove,
+                        from + QPoint(QApplication::startDragDistance(), 0));
+    QTRY_VERIFY(hand.isDone());
+    if (window)
+        gui_test::release(*window);
+}
+
+void tst_ObjectView::newSlotIsEmptyAndTakesEverything()
+{
+    QVERIFY(!slot->getValue());
+    QVERIFY(!slot->isSet());
+    QVERIFY(!slot->isTypeName());
+    QVERIFY(!slot->isDragEnabled());
+    QVERIFY(!slot->isDragIntern());
+    const Qt::DropActions all = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
+    QCOMPARE(slot->getDragActions(), all);
+    QCOMPARE(slot->getDropActions(), all);
+    QCOMPARE(slot->getDefaultDragAction(), Qt::CopyAction);
+    QCOMPARE(slot->getDefaultDropAction(), Qt::CopyAction);
+    QVERIFY(slot->acceptDrops());
+    QCOMPARE(slot->frameStyle(), 0x31);
+    QVERIFY(slot->autoFillBackground());
+    QCOMPARE(slot->palette().color(QPalette::Active, QPalette::Window),
+             slot->palette().color(QPalette::Active, QPalette::Base));
+    QCOMPARE(slot->layout()->contentsMargins(), QMargins(4, 4, 4, 4));
+}
+
+void tst_ObjectView::valueShowsIconAndLabel()
+{
+    slot->setObjIconDB(RefT<ObjectIconDB>(new RedDB));
+    QVERIFY(!slot->hasIcon());
+    slot->setValue(things[0]);
+    QCOMPARE(slot->text(), QString("'a'"));
+    QVERIFY(slot->hasIcon());
+    QVERIFY(slot->isSet());
+    slot->setTypeName(true);
+    QCOMPARE(slot->text(), QString("Thing 'a'"));
+    slot->setObjIconDB({});
+    QVERIFY(!slot->hasIcon());
+    QCOMPARE(slot->take(), QString());
+}
+
+void tst_ObjectView::clearedSlotShowsNothing()
+{
+    slot->setObjIconDB(RefT<ObjectIconDB>(new RedDB));
+    slot->setValue(things[0]);
+    slot->clear();
+    QCOMPARE(slot->text(), QString());
+    QVERIFY(!slot->hasIcon());
+    QVERIFY(!slot->isSet());
+    QVERIFY(!slot->getValue());
+    QCOMPARE(slot->take(), QString());
+}
+
+void tst_ObjectView::settersUpdateOnlyAValue()
+{
+    slot->setTypeName(true);
+    slot->setObjIconDB(RefT<ObjectIconDB>(new RedDB));
+    QCOMPARE(slot->text(), QString());
+    QVERIFY(!slot->hasIcon());
+}
+
+void tst_ObjectView::labelFollowsTheNameField()
+{
+    slot->setValue(things[0]);
+    fieldOf<FieldString>(things[0], "name").set("new");
+    QCOMPARE(slot->text(), QString("'new'"));
+    // No longer once another object is there.
+    slot->setValue(things[1]);
+    fieldOf<FieldString>(things[0], "name").set("newer");
+    QCOMPARE(slot->text(), QString("'b'"));
+    slot->setFieldName("other");
+    fieldOf<FieldString>(things[1], "name").set("c");
+    QVERIFY(!slot->text().contains('c'));
+}
+
+void tst_ObjectView::valueIsNotKeptAlive()
+{
+    slot->setValue(things[0]);
+    things[0] = {};
+    QVERIFY(!slot->getValue());
+    QVERIFY(slot->isSet());
+    slot->setTypeName(true);
+    slot->confirm();
+}
+
+void tst_ObjectView::labelIsNoMarkup()
+{
+    slot->setValue(makeThing("<b>bold</b>"));
+    QCOMPARE(slot->findChildren<QLabel *>().at(1)->textFormat(), Qt::PlainText);
+}
+
+void tst_ObjectView::confirmTellsTheClassAndThenTheHost()
+{
+    slot->confirm();
+    QCOMPARE(slot->take(), QString("onConfirm sigConfirm"));
+}
+
+void tst_ObjectView::dropTakesOneObject()
+{
+    Output output;
+    const auto payload = payloadOf({things[0]});
+    const DropResult result = dragOver(*slot, *payload);
+    QVERIFY(result.accepted);
+    QCOMPARE(result.action, Qt::CopyAction);
+    QVERIFY(!slot->getValue());
+    drop(*slot, *payload);
+    QCOMPARE(slot->getValue().get(), things[0].get());
+    QCOMPARE(slot->take(), QString("onConfirm sigConfirm"));
+}
+
+void tst_ObjectView::dropOfNoneOrSeveralIsRefused()
+{
+    slot->setValue(things[0]);
+    for (Objects const &objs : {Objects(), things}) {
+        const auto payload = payloadOf(objs);
+        QVERIFY(!dragOver(*slot, *payload).accepted);
+        drop(*slot, *payload);
+    }
+    QMimeData text;
+    text.setText("a");
+    QVERIFY(!dragOver(*slot, text).accepted);
+    drop(*slot, text);
+    QCOMPARE(slot->getValue().get(), things[0].get());
+    QCOMPARE(slot->take(), QString());
+}
+
+void tst_ObjectView::modifiersDecide_data()
+{
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::addColumn<Qt::DropActions>("accepted");
+    QTest::addColumn<Qt::DropActions>("offered");
+    QTest::addColumn<Qt::DropAction>("action");
+    const Qt::DropActions all = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
+    const auto row = [](char const *name, Qt::KeyboardModifiers modifiers, Qt::DropActions accepted,
+                        Qt::DropActions offered, Qt::DropAction action) {
+        QTest::newRow(name) << modifiers << accepted << offered << action;
+    };
+    row("none", {}, all, all, Qt::LinkAction);
+    row("Shift moves", Qt::ShiftModifier, all, all, Qt::MoveAction);
+    row("Control copies", Qt::ControlModifier, all, all, Qt::CopyAction);
+    row("Alt links", Qt::AltModifier, all, all, Qt::LinkAction);
+    row("Shift and Control fall to the default", Qt::ShiftModifier | Qt::ControlModifier, all, all,
+        Qt::LinkAction);
+    row("Meta falls to the default", Qt::MetaModifier, all, all, Qt::LinkAction);
+    row("Shift where no move is accepted", Qt::ShiftModifier, Qt::CopyAction | Qt::LinkAction, all,
+        Qt::IgnoreAction);
+    row("Shift where no move is offered", Qt::ShiftModifier, all, Qt::CopyAction | Qt::LinkAction,
+        Qt::IgnoreAction);
+    row("default that isn't offered", {}, all, Qt::CopyAction, Qt::IgnoreAction);
+    row("nothing in common", {}, Qt::LinkAction, Qt::MoveAction, Qt::IgnoreAction);
+}
+
+void tst_ObjectView::modifiersDecide()
+{
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(Qt::DropActions, accepted);
+    QFETCH(Qt::DropActions, offered);
+    QFETCH(Qt::DropAction, action);
+    Output output;
+    slot->setDropActions(accepted);
+    slot->setDefaultDropAction(Qt::LinkAction);
+    const DropResult result = dragOver(*slot, *payloadOf({things[0]}), modifiers, offered);
+    QCOMPARE(result.accepted, action != Qt::IgnoreAction);
+    QCOMPARE(result.action, action);
+}
+
+/// KEPT: each accepted step is told on the standard output.
+void tst_ObjectView::acceptedStepIsTraced()
+{
+    Output output;
+    dragOver(*slot, *payloadOf({things[0]}), Qt::ShiftModifier, Qt::CopyAction | Qt::MoveAction);
+    QCOMPARE(output.take(), QString("ZR::VOM::GUI::ObjectView::onCanDrop()\n"
+                                    "  dropActions: 3\n"
+                                    "  dropAction: 2\n"));
+}
+
+void tst_ObjectView::refusedStepIsNotTraced()
+{
+    Output output;
+    dragOver(*slot, *payloadOf({things[0]}), Qt::ShiftModifier, Qt::CopyAction);
+    dragOver(*slot, *payloadOf(things));
+    QCOMPARE(output.take(), QString());
+}
+
+void tst_ObjectView::xmlIsTakenWithAnImporterOnly()
+{
+    Output output;
+    const RefT<Exporter> exporter(new XmlExporter);
+    std::unique_ptr<QMimeData> payload(createMimeData(exporter, &things, nullptr));
+    const Objects one{things[0]};
+    payload.reset(createMimeData(exporter, &one, nullptr));
+    payload->removeFormat(MimeType::objects);
+    QVERIFY(!dragOver(*slot, *payload).accepted);
+    Slot other(nullptr, makeImporter());
+    QVERIFY(dragOver(other, *payload).accepted);
+    Objects dropped;
+    other.sigConfirm.connect([&](auto const &) { dropped.emplace_back(other.getValue()); });
+    drop(other, *payload);
+    // The slot doesn't own what nobody else does: a host takes it when it is confirmed.
+    QCOMPARE(dropped.size(), std::size_t(1));
+    QVERIFY(dropped[0]);
+    QVERIFY(dropped[0].get() != things[0].get());
+    QCOMPARE(other.text(), QString("'a'"));
+}
+
+void tst_ObjectView::xmlThatDoesNotParseIsRefused()
+{
+    Slot other(nullptr, makeImporter());
+    QMimeData payload;
+    payload.setData(MimeType::objectsXml, "<model");
+    QVERIFY(!dragOver(other, payload).accepted);
+    drop(other, payload);
+    QVERIFY(!other.isSet());
+}
+
+void tst_ObjectView::referenceOfAnotherProcessIsRefused()
+{
+    const auto payload = payloadOf({things[0]});
+    QByteArray bytes = payload->data(MimeType::objects);
+    bytes[0] = char(bytes[0] + 1);
+    payload->setData(MimeType::objects, bytes);
+    QVERIFY(!dragOver(*slot, *payload).accepted);
+}
+
+void tst_ObjectView::dragCarriesTheObject_data()
+{
+    QTest::addColumn<bool>("intern");
+    QTest::newRow("to other programs, too") << false;
+    QTest::newRow("within the process") << true;
+}
+
+void tst_ObjectView::dragCarriesTheObject()
+{
+    QFETCH(bool, intern);
+    slot->setDragEnabled(true, intern);
+    slot->setValue(things[0]);
+    slot->setDragActions(Qt::CopyAction | Qt::LinkAction);
+    slot->setDefaultDragAction(Qt::LinkAction);
+    Objects carried;
+    Qt::DropActions offered;
+    bool hasXml = false;
+    QString proposed;
+    site->onEvent = [&](QDropEvent &event) {
+        getFromMimeData(*event.mimeData(), carried);
+        hasXml = event.mimeData()->hasFormat(MimeType::objectsXml);
+        offered = event.possibleActions();
+        proposed = gui_test::nameOf(event.proposedAction());
+        event.accept();
+    };
+    dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    QVERIFY(site->text().contains("drop"));
+    QCOMPARE(carried, Objects{things[0]});
+    QVERIFY(hasXml);
+    QCOMPARE(offered, Qt::CopyAction | Qt::LinkAction);
+    QCOMPARE(proposed, QString("link"));
+}
+
+void tst_ObjectView::emptySlotCarriesAnEmptyReference()
+{
+    slot->setDragEnabled(true, true);
+    Objects carried;
+    site->onEvent = [&](QDropEvent &event) {
+        getFromMimeData(*event.mimeData(), carried);
+        event.accept();
+    };
+    dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    QCOMPARE(carried, Objects{RefT<Object>()});
+}
+
+void tst_ObjectView::disabledSlotIsNotDragged()
+{
+    slot->setValue(things[0]);
+    dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    QCOMPARE(site->text(), QString());
+}
+
+void tst_ObjectView::shortMoveIsNoDrag()
+{
+    slot->setDragEnabled(true, true);
+    slot->setValue(things[0]);
+    gui_test::press(*slot);
+    gui_test::sendMouse(*window, QEvent::MouseMove,
+                        gui_test::centerOf(*slot) +
+                            QPoint(QApplication::startDragDistance() - 1, 0));
+    gui_test::release(*slot);
+    QVERIFY(!slot->findChild<ZR::GUI::Drag *>());
+}
+
+void tst_ObjectView::moveAwayLeavesASetButEmptySlot_data()
+{
+    dragCarriesTheObject_data();
+}
+
+/// KEPT: a slot whose object was moved away is set, to nothing.
+void tst_ObjectView::moveAwayLeavesASetButEmptySlot()
+{
+    QFETCH(bool, intern);
+    slot->setDragEnabled(true, intern);
+    slot->setValue(things[0]);
+    site->onEvent = [](QDropEvent &event) {
+        event.setDropAction(Qt::MoveAction);
+        event.accept();
+    };
+    dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    QVERIFY(!slot->getValue());
+    QVERIFY(slot->isSet());
+    QCOMPARE(slot->text(), QString());
+    QCOMPARE(slot->take(), QString("onConfirm sigConfirm"));
+}
+
+void tst_ObjectView::copyAndLinkLeaveTheValue()
+{
+    slot->setDragEnabled(true, true);
+    slot->setValue(things[0]);
+    for (Qt::DropAction action : {Qt::CopyAction, Qt::LinkAction, Qt::IgnoreAction}) {
+        site->onEvent = [&](QDropEvent &event) {
+            event.setDropAction(action);
+            event.setAccepted(action != Qt::IgnoreAction);
+        };
+        dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    }
+    QCOMPARE(slot->getValue().get(), things[0].get());
+    QCOMPARE(slot->take(), QString());
+}
+
+void tst_ObjectView::dropOnItselfLeavesTheValue()
+{
+    Output output;
+    slot->setDragEnabled(true, true);
+    slot->setDefaultDropAction(Qt::MoveAction);
+    slot->setValue(things[0]);
+    dragOut({[&] { gui_test::moveTo(*slot); }, [&] { gui_test::release(*slot); }});
+    QCOMPARE(slot->getValue().get(), things[0].get());
+    // It was dropped here all the same.
+    QCOMPARE(slot->take(), QString("onConfirm sigConfirm"));
+}
+
+void tst_ObjectView::slotMayDieDuringItsDrag_data()
+{
+    dragCarriesTheObject_data();
+}
+
+void tst_ObjectView::slotMayDieDuringItsDrag()
+{
+    QFETCH(bool, intern);
+    slot->setDragEnabled(true, intern);
+    slot->setValue(things[0]);
+    dragOut({[&] { gui_test::moveTo(*site); }, [&] { delete slot.data(); }});
+    QVERIFY(!slot);
+}
+
+void tst_ObjectView::mimeTypesAreKept()
+{
+    slot->addMimeType("b");
+    slot->addMimeType("a");
+    slot->addMimeType("a");
+    QCOMPARE(slot->getMimeTypes(), (std::set<std::string>{"a", "b"}));
+    slot->removeMimeType("b");
+    QCOMPARE(slot->getMimeTypes(), (std::set<std::string>{"a"}));
+    slot->clearMimeTypes();
+    QVERIFY(slot->getMimeTypes().empty());
+}
+
+QTEST_MAIN(tst_ObjectView)
+#include "tst_ObjectView.moc"
