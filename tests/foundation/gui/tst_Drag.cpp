@@ -686,17 +686,20 @@ void tst_Drag::sameDragIsRefusedWhileItRuns()
 void tst_Drag::handlersMayRunEventLoops()
 {
     bool released = false;
+    QString meanwhile = "nothing was asked";
     left->onEvent = [&](QDropEvent &event) {
         event.accept();
         if (event.type() != QEvent::DragMove || released)
             return;
         released = true;
         moveTo(*right);
+        meanwhile = right->text();
         release(*right);
     };
     const Qt::DropAction done = run({[&] { moveTo(*left); }});
     QCOMPARE(done, Qt::CopyAction);
     QCOMPARE(left->text(), QString("enter copy, move copy, leave"));
+    QCOMPARE(meanwhile, QString()); // One widget at a time.
     QVERIFY(right->text().startsWith("enter copy"));
     QVERIFY(right->text().endsWith("drop copy"));
 }

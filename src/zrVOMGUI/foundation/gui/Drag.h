@@ -25,10 +25,9 @@ class DragSession;
 /// that went up unseen, and the end of the program.
 ///
 /// It stands on an event filter of its own and not on QDrag, which offers its payload to every
-/// program on the screen, asks its target only what the window system lets through, doesn't run at
-/// all on some platforms, and reads itself after its source's death. A payload that names what
-/// lives in this process shouldn't go further, and source and target may be gone when the drag
-/// ends.
+/// program on the screen, doesn't run at all on some platforms, and works on in freed memory when
+/// its source dies. A payload may name what lives in this process, and drag, source and target may
+/// be gone before the drag ends.
 ///
 /// Create it with new, as a child of the drag's source. It is used up by exec(), which deletes it
 /// later; if its parent dies meanwhile, the drag is cancelled and exec() returns. GUI thread only.
@@ -44,7 +43,8 @@ public:
     void setMimeData(QMimeData *mimeData);
     QMimeData *mimeData() const { return payload.get(); }
 
-    /// What is shown at the pointer; nothing by default. Of its device pixel ratio's size.
+    /// What is shown at the pointer, in the size that its device pixel ratio makes of it; nothing
+    /// by default.
     void setPixmap(QPixmap const &newPixmap) { picture = newPixmap; }
     QPixmap pixmap() const { return picture; }
 
