@@ -1,0 +1,119 @@
+#pragma once
+
+#include "zrVOMGUI/export.h"
+#include "zrVOMGUI/foundation/util/Signal.h"
+#include "zrVOMGUI/foundation/vom/Path.h"
+#include "zrVOMGUI/presentation/ObjectIconDB.h"
+
+#include <QAbstractScrollArea>
+#include <QPixmap>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+class QPainter;
+
+namespace ZR::VOM::GUI {
+
+/// Paths through the model, a row for each: object after object, each with the field by which the
+/// path goes on.
+///
+/// The user can select rows; the one under the mouse is marked. The list shows and does no more.
+/// Labels and icons are taken when it is first painted after set(): a change of the model shows
+/// with the next set(). Nothing here owns an object. GUI thread only.
+class ZRVOMGUI_EXPORT PathListView : public QAbstractScrollArea {
+    Q_OBJECT
+
+public:
+    explicit PathListView(QWidget *parent = nullptr);
+    ~PathListView() override;
+
+    std::vector<Path> const &get() const { return paths; }
+    /// Replaces the list, and forgets which rows are selected.
+    void set(std::vector<Path> const &newPaths);
+    /// Positions of the selected rows, in order. Empty until the list is painted.
+    std::vector<std::size_t> getSelectedRows() const;
+
+    /// \name What cells show
+    /// These take effect with the next set(), hideFields() with the next paint.
+    /// @{
+
+    /// Where objects get their icons; empty by default.
+    RefT<ObjectIconDB> const &getObjIconDB() const { return objIconDB; }
+    void setObjIconDB(RefT<ObjectIconDB> const &db);
+    /// The name of the string field that names objects; empty by default.
+    std::string const &getFieldName() const { return fieldName; }
+    void setFieldName(std::string const &name) { fieldName = name; }
+    /// Whether labels show the class name; true by default.
+    bool isTypeName() const { return typeName; }
+    void setTypeName(bool on) { typeName = on; }
+    /// Whether cells leave out the fields; false by default. Cells keep the width that they were
+    /// measured with.
+    bool isHideFields() const { return fieldsHidden; }
+    void hideFields(bool on) { fieldsHidden = on; }
+    /// @}
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+
+private:
+    friend struct PathListAccess; // The tests' view of rows and cells.
+
+    struct Cell {
+        QPixmap pixmap;
+        std::string objectText, fieldText;
+        int width = 0, height = 0; // Of the text.
+    };
+    struct Row {
+        std::vector<Cell> cells;
+        int x = 0, y = 0, width = 0, height = 0; // In the viewport, since the last paint.
+        bool selected = false, highlighted = false;
+    };
+    struct Pen; // Where the next thing is drawn.
+
+    void collectDataFromPath();
+    std::vector<Cell> makeCells(Path const &path) const;
+    Cell makeCell(RefT<Object> const &object, std::string const &fieldText) const;
+    QString displayText(Cell const &cell) const;
+    void createTextGeometry(Cell &cell) const;
+
+    void updateListView(QPainter &painter);
+    void drawRow(QPainter &painter, Row &row, int y);
+    void drawIcon(Pen &pen, Cell const &cell) const;
+    void drawText(Pen &pen, Cell const &cell) const;
+    void drawSelectionRect(QPainter &painter, Row const &row) const;
+    void updateScrollbars();
+
+    std::size_t posToRow(int x, int y) const;
+    void clearSelected();
+    void clearHighlighted();
+    void selectRange(std::size_t first, std::size_t last);
+    void extendSelection(std::size_t row);
+    std::size_t findHeadOfSelection() const;
+    std::size_t findTailOfSelection() const;
+    void onRefObjIconDBDelete(SigVoidData const &sigData);
+
+    std::vector<Path> paths;
+    std::vector<Row> rows; // Of the paths at the last rebuild.
+    Cell separator;
+    const int cellSpacing = 5;
+    RefT<ObjectIconDB> objIconDB;
+    std::string fieldName;
+    bool typeName = true;
+    const int iconSize;
+    int selectedCount = 0; // Of clicks as much as of rows.
+    int contentWidth = 0, contentHeight = 0;
+    bool dirty = true;     // Rows are to be made anew at the next paint.
+    bool hasPaths = false; // set() was called.
+    bool inScrollUpdate = false;
+    bool fieldsHidden = false;
+    Signal::Connection connection; // To the icon database's sigDelete.
+};
+
+} // namespace ZR::VOM::GUI

@@ -1,0 +1,589 @@
+#include "support/QtStrings.h"
+#include "support/Things.h"
+#include "zrVOMGUI/widgets/PathListView.h"
+
+#include <QApplication>
+#include <QScrollBar>
+#include <QStyle>
+#include <QtTest>
+
+#include <memory>
+
+using namespace ZR::VOM;
+using ZR::PtrT;
+using ZR::RefT;
+using Numbers = std::vector<std::size_t>;
+
+namespace ZR::VOM::GUI {
+
+/// What the tests see of rows and cells.
+struct PathListAccess {
+    /// The cells of a row, such as "'a' part|/'b' ".
+    static QString cells(PathListView const &view, std::size_t row)
+    {
+        QStringList texts;
+        for (auto const &cell : view.rows.at(row).cells)
+            texts << view.displayText(cell);
+        return texts.join('|');
+    }
+    static std::size_t numRows(PathListView const &view) { return view.rows.size(); }
+    static QRect rowRect(PathListView const &view, std::size_t row)
+    {
+        auto const &found = view.rows.at(row);
+        return {found.x, found.y, found.width, found.height};
+    }
+    static QSize cellSize(PathListView const &view, std::size_t row, std::size_t cell)
+    {
+        auto const &found = view.rows.at(row).cells.at(cell);
+        return {found.width, found.height};
+    }
+    static bool isHighlighted(PathListView const &view, std::size_t row)
+    {
+        return view.rows.at(row).highlighted;
+    }
+    static int selectedCount(PathListView const &view) { return view.selectedCount; }
+    static QSize contentSize(PathListView const &view)
+    {
+        return {view.contentWidth, view.contentHeight};
+    }
+    static QSize separatorSize(PathListView const &view)
+    {
+        return {view.separator.width, view.separator.height};
+    }
+};
+
+} // namespace ZR::VOM::GUI
+
+using ZR::VOM::GUI::PathListAccess;
+using ZR::VOM::GUI::PathListView;
+using Access = PathListAccess;
+
+namespace {
+
+class GreenDB : public ZR::VOM::GUI::ObjectIconDB {
+public:
+    QIcon find(RefT<Object> const &obj) const override
+    {
+        if (!obj)
+            return {};
+        QPixmap pixmap(64, 64);
+        pixmap.fill(Qt::green);
+        return pixmap;
+    }
+};
+
+/// a owns b by "part", and lists b and c by "all"; b lists nothing.
+struct Scene {
+    Scene()
+        : things(makeThings("abc"))
+    {
+        addField<FieldRef>(*a(), "part", b());
+        addField<MFieldPtr>(*a(), "all", std::vector<PtrT<Object>>{b(), c()});
+        addField<FieldPtr>(*b(), "next", PtrT<Object>(c()));
+        addField<MFieldRef>(*b(), "list");
+        view.setTypeName(false);
+        view.setFieldName("name");
+        view.setFrameShape(QFrame::NoFrame);
+        view.resize(300, 100);
+        view.show();
+    }
+    RefT<Object> const &a() const { return things[0]; }
+    RefT<Object> const &b() const { return things[1]; }
+    RefT<Object> const &c() const { return things[2]; }
+    Field &field(RefT<Object> const &obj, char const *name) { return *obj->findField(name); }
+    MField &list(RefT<Object> const &obj, char const *name)
+    {
+        return dynamic_cast<MField &>(field(obj, name));
+    }
+    Path path(RefT<Object> const &root) { return Path(PtrT<Object>(root)); }
+    void set(std::vector<Path> const &paths)
+    {
+        view.set(paths);
+        paint();
+    }
+    /// So many paths of one cell.
+    void setPlain(std::size_t num) { set(std::vector<Path>(num, path(a()))); }
+    QImage paint() { return view.viewport()->grab().toImage(); }
+    QString cells(std::size_t row = 0) { return Access::cells(view, row); }
+    QPoint middle(std::size_t row) { return Access::rowRect(view, row).center() + QPoint(2, 0); }
+    void click(std::size_t row, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::mouseClick(view.viewport(), Qt::LeftButton, modifiers, middle(row));
+    }
+
+    Things things;
+    PathListView view;
+};
+
+} // namespace
+
+class tst_PathListView : public QObject {
+    Q_OBJECT
+
+private slots:
+    void nothingIsPaintedBeforeTheFirstSet();
+    void rowsAreMadeAtTheFirstPaintAfterSet();
+    void cellsOfAPath_data();
+    void cellsOfAPath();
+    void pathThroughADeadFieldEndsThere();
+    void pathOfADeadRootShowsNothing();
+    void modelChangesShowWithTheNextSet();
+    void settingsTakeEffectWithTheNextSet();
+    void hiddenFieldsLeaveTheirRoom();
+    void iconsStandBeforeTheirText();
+    void databaseThatDiesIsForgotten();
+    void geometryAddsUp();
+    void scrollRangesHoldTheContent();
+    void scrollingMovesRows();
+    void rowsOutOfSightLookTheSame();
+
+    void clickSelectsOneRow();
+    void clickOnNothingClears();
+    void controlClickAddsAndCountsAgain();
+    void shiftClickExtends_data();
+    void shiftClickExtends();
+    void countSurvivesANewList();
+    void rightClickDoesNothing();
+    void edgeBelongsToTheFirstRow();
+    void rowUnderTheMouseIsMarked();
+    void pressClearsTheMark();
+    void marksArePaintedAcrossTheWidget();
+    void pressDoesNotRepaintAndReleaseDoes();
+    void losingTheFocusClearsAll();
+    void manyPathsArePaintedAtOnce();
+};
+
+void tst_PathListView::nothingIsPaintedBeforeTheFirstSet()
+{
+    Scene scene;
+    scene.view.verticalScrollBar()->setRange(3, 7);
+    const QImage before = scene.paint();
+    QCOMPARE(Access::numRows(scene.view), std::size_t(0));
+    QCOMPARE(scene.view.verticalScrollBar()->maximum(), 7);
+    scene.set({});
+    QCOMPARE(scene.view.verticalScrollBar()->maximum(), 0);
+    QCOMPARE(scene.paint(), before);
+}
+
+void tst_PathListView::rowsAreMadeAtTheFirstPaintAfterSet()
+{
+    Scene scene;
+    scene.setPlain(2);
+    scene.view.set({scene.path(scene.b())});
+    QCOMPARE(scene.view.get().size(), std::size_t(1));
+    QCOMPARE(Access::numRows(scene.view), std::size_t(2));
+    scene.paint();
+    QCOMPARE(Access::numRows(scene.view), std::size_t(1));
+    QCOMPARE(scene.cells(), QString("'b' "));
+}
+
+void tst_PathListView::cellsOfAPath_data()
+{
+    QTest::addColumn<QString>("steps"); // A letter each: see below.
+    QTest::addColumn<QString>("cells");
+    QTest::newRow("root alone") << ""
+                                << "'a' ";
+    QTest::newRow("ends at a single field") << "p"
+                                            << "'a' part";
+    QTest::newRow("ends at its value") << "P"
+                                       << "'a' part|'b' ";
+    QTest::newRow("ends at a list: no index") << "l"
+                                              << "'a' all";
+    QTest::newRow("ends at a value of it") << "L"
+                                           << "'a' all[1]|'c' ";
+    QTest::newRow("inner list step shows its index") << "Kn"
+                                                     << "'a' all[0]|'b' next";
+    QTest::newRow("value of a value") << "KN"
+                                      << "'a' all[0]|'b' next|'c' ";
+    QTest::newRow("object at the end repeats the field") << "KNx"
+                                                         << "'a' all|'b' all";
+    QTest::newRow("beyond the end of a list") << "B"
+                                              << "'a' all[7]| ";
+    QTest::newRow("plain field") << "s"
+                                 << "'a' name";
+    QTest::newRow("value of a plain field") << "S"
+                                            << "'a' name";
+}
+
+/// Small letters end at the field, capital ones at a value: part, list "all" at 0 (K), 1 (L) and 7
+/// (B), next, the string name; x goes back a step.
+void tst_PathListView::cellsOfAPath()
+{
+    QFETCH(QString, steps);
+    Scene scene;
+    Path path = scene.path(scene.a());
+    for (QChar step : steps) {
+        switch (step.toLatin1()) {
+        case 'p':
+            path.pushField(scene.field(scene.a(), "part"));
+            break;
+        case 'P':
+            path.pushValue(scene.field(scene.a(), "part"));
+            break;
+        case 'l':
+            path.pushField(scene.field(scene.a(), "all"));
+            break;
+        case 'K':
+            path.pushValue(scene.list(scene.a(), "all"), 0);
+            break;
+        case 'L':
+            path.pushValue(scene.list(scene.a(), "all"), 1);
+            break;
+        case 'B':
+            path.pushValue(scene.list(scene.a(), "all"), 7);
+            break;
+        case 'n':
+            path.pushField(scene.field(scene.b(), "next"));
+            break;
+        case 'N':
+            path.pushValue(scene.field(scene.b(), "next"));
+            break;
+        case 's':
+            path.pushField(scene.field(scene.a(), "name"));
+            break;
+        case 'S':
+            path.pushValue(scene.field(scene.a(), "name"));
+            break;
+        default:
+            path.pop();
+        }
+    }
+    scene.set({path});
+    QTEST(scene.cells(), "cells");
+}
+
+void tst_PathListView::pathThroughADeadFieldEndsThere()
+{
+    Scene scene;
+    Path path = scene.path(scene.a());
+    path.pushValue(scene.list(scene.a(), "all"), 0);
+    path.pushField(scene.field(scene.b(), "next"));
+    removeField(*scene.b(), scene.field(scene.b(), "next"));
+    scene.set({path});
+    QCOMPARE(scene.cells(), QString("'a' all[0]"));
+}
+
+void tst_PathListView::pathOfADeadRootShowsNothing()
+{
+    Scene scene;
+    Path path(PtrT<Object>(makeThing("x")));
+    scene.set({path});
+    QCOMPARE(scene.cells(), QString(" "));
+}
+
+void tst_PathListView::modelChangesShowWithTheNextSet()
+{
+    Scene scene;
+    scene.set({scene.path(scene.a())});
+    fieldOf<FieldString>(scene.a(), "name").set("new");
+    scene.paint();
+    QCOMPARE(scene.cells(), QString("'a' "));
+    scene.set(scene.view.get());
+    QCOMPARE(scene.cells(), QString("'new' "));
+}
+
+void tst_PathListView::settingsTakeEffectWithTheNextSet()
+{
+    Scene scene;
+    scene.set({scene.path(scene.a())});
+    scene.view.setFieldName("other");
+    scene.view.setTypeName(true);
+    scene.view.setObjIconDB(RefT<GUI::ObjectIconDB>(new GreenDB));
+    const QImage before = scene.paint();
+    QCOMPARE(scene.cells(), QString("'a' "));
+    scene.set(scene.view.get());
+    QCOMPARE(scene.cells(), QString("Thing "));
+    QVERIFY(scene.paint() != before);
+}
+
+/// KEPT: cells keep the width that they were measured with.
+void tst_PathListView::hiddenFieldsLeaveTheirRoom()
+{
+    Scene scene;
+    Path path = scene.path(scene.a());
+    path.pushValue(scene.field(scene.a(), "part"));
+    scene.set({path});
+    const QSize size = Access::cellSize(scene.view, 0, 0);
+    scene.view.hideFields(true);
+    scene.paint();
+    QVERIFY(scene.view.isHideFields());
+    QCOMPARE(scene.cells(), QString("'a'|'b'"));
+    QCOMPARE(Access::cellSize(scene.view, 0, 0), size);
+    scene.set({path});
+    QVERIFY(Access::cellSize(scene.view, 0, 0).width() < size.width());
+}
+
+void tst_PathListView::iconsStandBeforeTheirText()
+{
+    Scene scene;
+    scene.set({scene.path(scene.a())});
+    const QRect without = Access::rowRect(scene.view, 0);
+    scene.view.setObjIconDB(RefT<GUI::ObjectIconDB>(new GreenDB));
+    scene.set({scene.path(scene.a())});
+    const QRect with = Access::rowRect(scene.view, 0);
+    const int icon = scene.view.style()->pixelMetric(QStyle::PM_ListViewIconSize);
+    QCOMPARE(with.width(), without.width() + icon + 5);
+    // KEPT: the icon's height doesn't count.
+    QCOMPARE(with.height(), without.height());
+    QCOMPARE(scene.paint().pixelColor(1, 1), QColor(Qt::green));
+}
+
+void tst_PathListView::databaseThatDiesIsForgotten()
+{
+    class StackDB : public GUI::ObjectIconDB {};
+    Scene scene;
+    {
+        StackDB db;
+        scene.view.setObjIconDB(RefT<GUI::ObjectIconDB>(db));
+    }
+    QVERIFY(!scene.view.getObjIconDB());
+    scene.setPlain(1);
+}
+
+void tst_PathListView::geometryAddsUp()
+{
+    Scene scene;
+    Path path = scene.path(scene.a());
+    path.pushValue(scene.field(scene.a(), "part"));
+    scene.set({path, scene.path(scene.a())});
+    const QSize first = Access::cellSize(scene.view, 0, 0),
+                second = Access::cellSize(scene.view, 0, 1);
+    const QRect bound = scene.view.fontMetrics().boundingRect("'a' part");
+    QCOMPARE(first, QSize(bound.right() - bound.left() + 1, bound.bottom() - bound.top() + 1));
+    const int textHeight =
+        std::max({first.height(), second.height(), Access::separatorSize(scene.view).height()});
+    const int width =
+        2 + first.width() + 5 + Access::separatorSize(scene.view).width() + 5 + second.width() + 5;
+    QCOMPARE(Access::rowRect(scene.view, 0), QRect(0, 0, width, 2 + textHeight));
+    QCOMPARE(Access::rowRect(scene.view, 1).y(), 5 + textHeight);
+    QCOMPARE(Access::contentSize(scene.view),
+             QSize(width, 5 + textHeight + 5 + Access::cellSize(scene.view, 1, 0).height()));
+}
+
+void tst_PathListView::scrollRangesHoldTheContent()
+{
+    Scene scene;
+    scene.setPlain(50);
+    QScrollBar const &bar = *scene.view.verticalScrollBar();
+    QCOMPARE(bar.minimum(), 0);
+    QCOMPARE(bar.maximum(),
+             Access::contentSize(scene.view).height() - scene.view.viewport()->height());
+    QCOMPARE(bar.pageStep(), scene.view.viewport()->height());
+    scene.view.resize(300, 60);
+    QCOMPARE(bar.pageStep(), scene.view.viewport()->height());
+    QCOMPARE(bar.maximum(),
+             Access::contentSize(scene.view).height() - scene.view.viewport()->height());
+}
+
+void tst_PathListView::scrollingMovesRows()
+{
+    Scene scene;
+    scene.setPlain(50);
+    scene.view.verticalScrollBar()->setValue(37);
+    scene.paint();
+    QCOMPARE(Access::rowRect(scene.view, 0).y(), -37);
+    scene.view.resize(20, 60);
+    scene.paint();
+    scene.view.horizontalScrollBar()->setValue(9);
+    scene.paint();
+    QCOMPARE(Access::rowRect(scene.view, 0).x(), -9);
+}
+
+/// What is left out of a paint is what can't be seen.
+void tst_PathListView::rowsOutOfSightLookTheSame()
+{
+    Scene scene;
+    scene.view.setObjIconDB(RefT<GUI::ObjectIconDB>(new GreenDB));
+    scene.setPlain(40);
+    scene.view.resize(300, 2000);
+    scene.view.verticalScrollBar()->setValue(0);
+    scene.view.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    const QImage whole = scene.paint();
+    scene.view.resize(300, 100);
+    for (int scroll : {0, 1, 17, 100, 333}) {
+        scene.paint();
+        scene.view.verticalScrollBar()->setValue(scroll);
+        QCOMPARE(scene.view.verticalScrollBar()->value(), scroll);
+        QCOMPARE(scene.paint(), whole.copy(0, scroll, 300, 100));
+    }
+}
+
+void tst_PathListView::clickSelectsOneRow()
+{
+    Scene scene;
+    scene.setPlain(4);
+    scene.click(2);
+    QCOMPARE(scene.view.getSelectedRows(), Numbers{2});
+    scene.click(1);
+    QCOMPARE(scene.view.getSelectedRows(), Numbers{1});
+    QCOMPARE(Access::selectedCount(scene.view), 1);
+}
+
+void tst_PathListView::clickOnNothingClears()
+{
+    Scene scene;
+    scene.setPlain(2);
+    scene.click(0);
+    QTest::mouseClick(scene.view.viewport(), Qt::LeftButton, {}, {5, 95});
+    QCOMPARE(scene.view.getSelectedRows(), Numbers());
+    QCOMPARE(Access::selectedCount(scene.view), 0);
+    scene.click(0);
+    QTest::mouseClick(scene.view.viewport(), Qt::LeftButton, Qt::ControlModifier, {5, 95});
+    QCOMPARE(scene.view.getSelectedRows(), Numbers{0});
+}
+
+void tst_PathListView::controlClickAddsAndCountsAgain()
+{
+    Scene scene;
+    scene.setPlain(4);
+    scene.click(2);
+    scene.click(0, Qt::ControlModifier);
+    scene.click(0, Qt::ControlModifier);
+    QCOMPARE(scene.view.getSelectedRows(), (Numbers{0, 2}));
+    QCOMPARE(Access::selectedCount(scene.view), 3);
+}
+
+void tst_PathListView::shiftClickExtends_data()
+{
+    QTest::addColumn<QString>("clicks"); // Rows; "+" holds Control, "^" Shift.
+    QTest::addColumn<Numbers>("selected");
+    QTest::addColumn<int>("count");
+    QTest::newRow("from the first row when none is selected") << "^2" << Numbers{0, 1, 2} << 3;
+    QTest::newRow("down from one") << "1 ^3" << Numbers{1, 2, 3} << 4;
+    QTest::newRow("up from one") << "3 ^1" << Numbers{1, 2, 3} << 4;
+    QTest::newRow("the same one") << "1 ^1" << Numbers{1} << 2;
+    QTest::newRow("several give way to a range from the top") << "1 +3 ^2" << Numbers{1, 2} << 2;
+    QTest::newRow("above the top of several") << "2 +3 ^0" << Numbers{0, 1, 2} << 3;
+    QTest::newRow("two clicks on one row are several") << "2 +2 ^0" << Numbers{0, 1, 2} << 3;
+    QTest::newRow("extended twice") << "1 ^2 ^4" << Numbers{1, 2, 3, 4} << 4;
+}
+
+/// KEPT: the number of clicks decides, and not that of rows.
+void tst_PathListView::shiftClickExtends()
+{
+    QFETCH(QString, clicks);
+    Scene scene;
+    scene.setPlain(5);
+    for (QString const &word : clicks.split(' ')) {
+        const Qt::KeyboardModifiers modifiers = word.startsWith('^')   ? Qt::ShiftModifier
+                                                : word.startsWith('+') ? Qt::ControlModifier
+                                                                       : Qt::NoModifier;
+        scene.click(word.rightRef(1).toUInt(), modifiers);
+    }
+    QTEST(scene.view.getSelectedRows(), "selected");
+    QTEST(Access::selectedCount(scene.view), "count");
+}
+
+/// KEPT: a new list selects no row and goes on counting.
+void tst_PathListView::countSurvivesANewList()
+{
+    Scene scene;
+    scene.setPlain(3);
+    scene.click(1);
+    scene.setPlain(3);
+    QCOMPARE(scene.view.getSelectedRows(), Numbers());
+    QCOMPARE(Access::selectedCount(scene.view), 1);
+    scene.click(2, Qt::ShiftModifier);
+    QCOMPARE(scene.view.getSelectedRows(), Numbers());
+}
+
+void tst_PathListView::rightClickDoesNothing()
+{
+    Scene scene;
+    scene.setPlain(3);
+    scene.click(0);
+    QTest::mouseClick(scene.view.viewport(), Qt::RightButton, {}, scene.middle(1));
+    QCOMPARE(scene.view.getSelectedRows(), Numbers{0});
+}
+
+void tst_PathListView::edgeBelongsToTheFirstRow()
+{
+    Scene scene;
+    scene.setPlain(3);
+    const QRect row = Access::rowRect(scene.view, 0);
+    QTest::mouseClick(scene.view.viewport(), Qt::LeftButton, {}, {250, row.y() + row.height()});
+    QCOMPARE(scene.view.getSelectedRows(), Numbers{0});
+}
+
+void tst_PathListView::rowUnderTheMouseIsMarked()
+{
+    Scene scene;
+    scene.setPlain(3);
+    QTest::mouseMove(scene.view.viewport(), scene.middle(1));
+    QTRY_VERIFY(Access::isHighlighted(scene.view, 1));
+    QVERIFY(!Access::isHighlighted(scene.view, 0));
+    QTest::mouseMove(scene.view.viewport(), {5, 95});
+    QTRY_VERIFY(!Access::isHighlighted(scene.view, 1));
+}
+
+void tst_PathListView::pressClearsTheMark()
+{
+    Scene scene;
+    scene.setPlain(3);
+    QTest::mouseMove(scene.view.viewport(), scene.middle(1));
+    QTRY_VERIFY(Access::isHighlighted(scene.view, 1));
+    QTest::mousePress(scene.view.viewport(), Qt::LeftButton, {}, scene.middle(1));
+    QVERIFY(!Access::isHighlighted(scene.view, 1));
+}
+
+void tst_PathListView::marksArePaintedAcrossTheWidget()
+{
+    Scene scene;
+    scene.setPlain(3);
+    scene.click(1);
+    const QImage image = scene.paint();
+    const QColor color = scene.view.palette().color(QPalette::Highlight).lighter(150).toRgb();
+    const QRect row = Access::rowRect(scene.view, 1);
+    QCOMPARE(image.pixel(290, row.y()), color.rgb());
+    QCOMPARE(image.pixel(290, row.y() + row.height() - 1), color.rgb());
+    QVERIFY(image.pixel(290, row.y() + row.height()) != color.rgb());
+    QVERIFY(image.pixel(290, row.y() - 1) != color.rgb());
+}
+
+void tst_PathListView::pressDoesNotRepaintAndReleaseDoes()
+{
+    class Counter : public QObject {
+    public:
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            numPaints += event->type() == QEvent::Paint;
+            return false;
+        }
+        int numPaints = 0;
+    };
+    Scene scene;
+    scene.setPlain(3);
+    QApplication::processEvents();
+    Counter counter;
+    scene.view.viewport()->installEventFilter(&counter);
+    QTest::mousePress(scene.view.viewport(), Qt::LeftButton, {}, scene.middle(1));
+    QApplication::processEvents();
+    QCOMPARE(counter.numPaints, 0);
+    QTest::mouseRelease(scene.view.viewport(), Qt::LeftButton, {}, scene.middle(1));
+    QApplication::processEvents();
+    QCOMPARE(counter.numPaints, 1);
+}
+
+void tst_PathListView::losingTheFocusClearsAll()
+{
+    Scene scene;
+    scene.setPlain(3);
+    scene.click(1);
+    QFocusEvent event(QEvent::FocusOut);
+    QApplication::sendEvent(&scene.view, &event);
+    QCOMPARE(scene.view.getSelectedRows(), Numbers());
+    QCOMPARE(Access::selectedCount(scene.view), 0);
+}
+
+void tst_PathListView::manyPathsArePaintedAtOnce()
+{
+    Scene scene;
+    scene.setPlain(50000);
+    scene.view.verticalScrollBar()->setValue(scene.view.verticalScrollBar()->maximum());
+    scene.paint();
+    const QRect last = Access::rowRect(scene.view, 49999);
+    QVERIFY(last.top() > 0 && last.top() < 100);
+}
+
+QTEST_MAIN(tst_PathListView)
+#include "tst_PathListView.moc"
