@@ -1,0 +1,204 @@
+// Rows leave by a drag, and what comes is offered to the host, with the place where it would land.
+
+#include "zrVOMGUI/foundation/gui/private/TreeBranch.h"
+#include "zrVOMGUI/foundation/gui/private/TreeEngine.h"
+
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QDragMoveEvent>
+#include <QMimeData>
+#include <QPixmap>
+#include <QScrollBar>
+#include <QStyle>
+
+#include <algorithm>
+#include <utility>
+
+namespace ZR::GUI {
+
+namespace {
+
+// Milliseconds.
+constexpr int hoverOpenDelay = 700;
+constexpr int autoScrollInterval = 50;
+
+// The share of a row's height at its upper and lower edge that means before and after it.
+constexpr int edgeShare = 4;
+
+constexpr int lineThickness = 2;
+
+} // namespace
+
+void TreeEngine::setDropActions(Qt::DropActions actions, Qt::DropAction defaultAction)
+{
+    dropActions = actions;
+    defaultDropAction = defaultAction;
+}
+
+void TreeEngine::addMimeType(QString const &type)
+{
+    if (std::find(mimeTypes.begin(), mimeTypes.end(), type) == mimeTypes.end())
+        mimeTypes.push_back(type);
+}
+
+/// Returns when the drag is over; until then timers run, rows may die, and so may the view.
+void TreeEngine::startDrag()
+{
+    const std::vector<TreeRow *> rows = getSel();
+    if (drag.isRunning() || rows.empty() || !dropActions)
+        return;
+    // Host code may destroy rows while it makes the payload, so that the picture comes first.
+    GuardedDrag::Load load;
+    load.pixmap = makeDragPixmap(rows);
+    load.hotSpot = {-QApplication::startDragDistance(), 0};
+    load.payload.reset(hooks->makeMimeData(rows));
+    if (!view || !load.payload)
+        return;
+    drag.exec(*view, std::move(load), dropActions, defaultDropAction);
+    dragLeave();
+}
+
+bool TreeEngine::takesTypes(QDropEvent const &event) const
+{
+    QMimeData const *const mimeData = event.mimeData();
+    return mimeData && std::any_of(mimeTypes.begin(), mimeTypes.end(),
+                                   [&](QString const &type) { return mimeData->hasFormat(type); });
+}
+
+/// The proposed action where this view allows it, else its default, else any that both allow.
+bool TreeEngine::chooseAction(QDropEvent &event) const
+{
+    const Qt::DropActions possible = event.possibleActions() & dropActions;
+    for (const Qt::DropAction action : {event.proposedAction(), defaultDropAction, Qt::CopyAction,
+                                        Qt::MoveAction, Qt::LinkAction}) {
+        if (action != Qt::IgnoreAction && possible & action) {
+            event.setDropAction(action);
+            return true;
+        }
+    }
+    return false;
+}
+
+TreeEngine::DropPlace TreeEngine::placeAt(QPoint const &pos)
+{
+    if (!root)
+        return {nullptr, TreeRow::npos, {}};
+    TreeRow *const row = rowAtView(pos);
+    const QRect viewport = view->viewport()->rect();
+    if (!row) {
+        const QRect end = lineRect(getNumLines());
+        return {root,
+                root->getNumMadeChildRows(),
+                {viewport.left(), std::min(end.top(), viewport.bottom() - 1), viewport.width(), 0}};
+    }
+    const std::size_t line = lineOf(*row);
+    const QRect rect = itemRect(*row, line);
+    const int edge = rowHeight / edgeShare;
+    QRect between = rect;
+    between.setHeight(0);
+    if (pos.y() < rect.top() + edge)
+        return {row->rowParent, row->rowIndex, between};
+    if (pos.y() > rect.bottom() - edge) {
+        between.moveTop(rect.bottom() + 1 - lineThickness);
+        if (row->open && row->getLinesBelow())
+            return {row, 0, between};
+        return {row->rowParent, std::size_t(row->rowIndex) + 1, between};
+    }
+    return {row, TreeRow::npos, rect};
+}
+
+TreeEngine::DropPlace TreeEngine::askDrop(QDropEvent &event, QPoint const &pos)
+{
+    const DropPlace nowhere{nullptr, TreeRow::npos, {}};
+    if (!settle() || !takesTypes(event) || !chooseAction(event))
+        return nowhere;
+    DropPlace place = placeAt(pos);
+    if (!place.row)
+        return nowhere;
+    const TreeRowWatch row(*this, place.row), under(*this, rowAtView(pos));
+    if (hooks->onCanDrop(event, place.row, place.index))
+        return view && row ? place : nowhere;
+    if (!view || !under || place.index == TreeRow::npos)
+        return nowhere;
+    const std::size_t line = lineOf(*under);
+    if (line == TreeRow::npos)
+        return nowhere;
+    place = {under, TreeRow::npos, itemRect(*under, line)};
+    return hooks->onCanDrop(event, place.row, place.index) && view && under ? place : nowhere;
+}
+
+void TreeEngine::setDropPlace(DropPlace const &place)
+{
+    if (dropIndicator == place.indicator)
+        return;
+    dropIndicator = place.indicator;
+    view->viewport()->update();
+}
+
+/// Whether it can be dropped anywhere is asked with the moves that follow.
+void TreeEngine::dragEnter(QDragEnterEvent &event)
+{
+    if (takesTypes(event) && chooseAction(event))
+        event.accept();
+    else
+        event.ignore();
+}
+
+void TreeEngine::dragMove(QDragMoveEvent &event)
+{
+    event.ignore();
+    dragPos = event.pos();
+    const DropPlace place = askDrop(event, dragPos);
+    if (!view)
+        return;
+    setDropPlace(place);
+    event.setAccepted(place.row != nullptr);
+
+    TreeRow *const row = rowAtView(dragPos);
+    if (row != hoverOpenRow || (row && row->open)) {
+        hoverOpenRow = row;
+        hoverOpenTimer.stop();
+        if (row && !row->open && hasChildren(*row))
+            hoverOpenTimer.start(hoverOpenDelay, view);
+    }
+    const int height = view->viewport()->height();
+    const bool atEdge = dragPos.y() < rowHeight || dragPos.y() >= height - rowHeight;
+    if (!atEdge)
+        autoScrollTimer.stop();
+    else if (!autoScrollTimer.isActive())
+        autoScrollTimer.start(autoScrollInterval, view);
+}
+
+void TreeEngine::dragLeave()
+{
+    hoverOpenRow = nullptr;
+    hoverOpenTimer.stop();
+    autoScrollTimer.stop();
+    if (view)
+        setDropPlace({nullptr, TreeRow::npos, {}});
+}
+
+void TreeEngine::drop(QDropEvent &event)
+{
+    dragLeave();
+    const Qt::DropAction action = event.dropAction();
+    event.ignore();
+    const DropPlace place = askDrop(event, event.pos());
+    if (!place.row)
+        return;
+    // What was agreed upon while it moved; asking may have proposed another one.
+    if (action != Qt::IgnoreAction && dropActions & action)
+        event.setDropAction(action);
+    event.accept();
+    hooks->onDrop(event, place.row, place.index);
+}
+
+/// One line at a time, while the drag stays at the edge.
+void TreeEngine::autoScroll()
+{
+    QScrollBar &bar = *view->verticalScrollBar();
+    bar.setValue(bar.value() + (dragPos.y() < rowHeight ? -rowHeight : rowHeight));
+    settle();
+}
+
+} // namespace ZR::GUI

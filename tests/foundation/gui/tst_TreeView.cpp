@@ -1,0 +1,205 @@
+#include "foundation/gui/TreeScene.h"
+
+#include <limits>
+
+using namespace TreeTest;
+
+/// The tree and its rows; what the user does has test programs of its own.
+class tst_TreeView : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase_data() { addGenerations(); }
+
+    void showsOpenRowsInOrder();
+    void closedRowsMakeNoChildren();
+    void openingMakesChildrenAndClosingKeepsThem();
+    void hiddenRowsLeaveTheirPlaceToTheirChildren();
+    void rootHasNoLine();
+    void findsNothingOutside();
+    void asksOncePerLayoutHoweverManyMarks();
+    void asksParentsBeforeChildren();
+    void asksOnlyWhatIsInSight();
+    void rowsThatStayKeepTheirState();
+    void selectionKeepsTheOrderOfTheTree();
+    void selectionForgetsRowsThatDie();
+    void tellsOfRowsThatDie();
+    void rowTextIsSetFromOutside();
+};
+
+void tst_TreeView::showsOpenRowsInOrder()
+{
+    const auto scene = makeScene(
+        {opened(item("a", {item("b"), opened(item("c", {item("d")})), item("e")})), item("f")});
+    QCOMPARE(scene->lines(), std::string("a b c d e f"));
+}
+
+void tst_TreeView::closedRowsMakeNoChildren()
+{
+    const auto scene = makeScene({item("a", items("x", 100)), item("b")});
+    QCOMPARE(scene->lines(), std::string("a b"));
+    QCOMPARE(scene->numRows, std::size_t(2));
+    QCOMPARE(scene->row("a").getNumChildRows(), std::size_t(100));
+    QCOMPARE(scene->row("a").getNumMadeChildRows(), std::size_t(0));
+}
+
+void tst_TreeView::openingMakesChildrenAndClosingKeepsThem()
+{
+    const auto scene = makeScene({item("a", {item("b"), item("c")}), item("d")});
+    QCOMPARE(scene->lines(), std::string("a d"));
+    scene->row("a").setOpen(true);
+    QCOMPARE(scene->lines(), std::string("a b c d"));
+    scene->row("a").setOpen(false);
+    QCOMPARE(scene->lines(), std::string("a d"));
+    QVERIFY(scene->find("b"));
+}
+
+void tst_TreeView::hiddenRowsLeaveTheirPlaceToTheirChildren()
+{
+    const auto scene =
+        makeScene({item("a", {hiddenItem(item("h", {item("b"), item("c")})), item("d")}),
+                   hiddenItem(item("i", {item("e")})), hiddenItem(item("j"))});
+    QCOMPARE(scene->lines(), std::string("a e"));
+    scene->row("a").setOpen(true);
+    QCOMPARE(scene->lines(), std::string("a b c d e"));
+    scene->row("h").setHidden(false);
+    QCOMPARE(scene->lines(), std::string("a h d e"));
+    scene->row("h").setOpen(true);
+    QCOMPARE(scene->lines(), std::string("a h b c d e"));
+}
+
+void tst_TreeView::rootHasNoLine()
+{
+    const auto scene = makeScene({});
+    QCOMPARE(scene->lines(), std::string());
+    QVERIFY(!scene->findRow({0, 0}));
+    QVERIFY(!scene->root->row().isHidden());
+}
+
+void tst_TreeView::findsNothingOutside()
+{
+    const auto scene = makeScene({item("a")});
+    const int height = scene->view()->getRowHeight();
+    QVERIFY(scene->findRow({0, 0}));
+    QVERIFY(scene->findRow({100000, height - 1}));
+    QVERIFY(scene->findRow({-100000, 0}));
+    QVERIFY(!scene->findRow({0, -1}));
+    QVERIFY(!scene->findRow({0, height}));
+    QVERIFY(!scene->findRow({0, std::numeric_limits<int>::max()}));
+    QVERIFY(!scene->findRow({0, std::numeric_limits<int>::min()}));
+}
+
+void tst_TreeView::asksOncePerLayoutHoweverManyMarks()
+{
+    const auto scene = makeScene({item("a"), item("b")});
+    scene->lines();
+    scene->logUpdates = true;
+    scene->find("a")->rebuild();
+    scene->find("a")->invalidateText();
+    scene->find("a")->invalidateIcon();
+    scene->find("a")->rebuild();
+    QCOMPARE(scene->takeLog(), std::string());
+    scene->findRow({0, 0});
+    QCOMPARE(scene->takeLog(), std::string("update a wanted"));
+    scene->findRow({0, 0});
+    QCOMPARE(scene->takeLog(), std::string());
+
+    // The same by a paint alone.
+    scene->find("b")->invalidateIcon();
+    QTRY_VERIFY(!scene->log.empty());
+    QCOMPARE(scene->takeLog(), std::string("update b wanted"));
+}
+
+void tst_TreeView::asksParentsBeforeChildren()
+{
+    const auto scene = makeScene({opened(item("a", {opened(item("b", {opened(item("c"))}))}))});
+    scene->lines();
+    scene->logUpdates = true;
+    scene->find("c")->rebuild();
+    scene->find("b")->rebuild();
+    scene->find("a")->rebuild();
+    scene->root->rebuild();
+    scene->lines();
+    QCOMPARE(scene->takeLog(), std::string("update root wanted; update a wanted; "
+                                           "update b wanted; update c wanted"));
+}
+
+void tst_TreeView::asksOnlyWhatIsInSight()
+{
+    const auto scene = makeScene(items("x", 10000));
+    scene->view()->resize(200, 10 * scene->view()->getRowHeight());
+    scene->findRow({0, 0});
+    QVERIFY(scene->numUpdates < 50);
+    scene->logUpdates = true;
+    scene->log.clear();
+    scene->view()->verticalScrollBar()->setValue(5000 * scene->view()->getRowHeight());
+    scene->findRow({0, 0});
+    QVERIFY(scene->log.size() < 15);
+    QCOMPARE(scene->log.front(), std::string("update x5000 wanted"));
+}
+
+void tst_TreeView::rowsThatStayKeepTheirState()
+{
+    const auto scene = makeScene({opened(item("a", {item("b", {item("c")}), item("d")}))});
+    scene->lines();
+    scene->row("b").setOpen(true);
+    scene->select({"d", "b"});
+    TreeRow *const before = &scene->row("b");
+    std::swap(scene->find("a")->item().children[0], scene->find("a")->item().children[1]);
+    scene->find("a")->item().children.push_back(item("e"));
+    scene->find("a")->rebuild();
+    QCOMPARE(scene->lines(), std::string("a d b c e"));
+    QCOMPARE(&scene->row("b"), before);
+    QCOMPARE(scene->sel(), std::string("d b"));
+    QCOMPARE(scene->row("b").getPos(), std::size_t(1));
+}
+
+void tst_TreeView::selectionKeepsTheOrderOfTheTree()
+{
+    const auto scene =
+        makeScene({opened(item("a", {opened(item("b", {item("c")})), item("d")})), item("e")});
+    scene->lines();
+    scene->select({"e", "c", "d", "a", "c"});
+    QCOMPARE(scene->sel(), std::string("a c d e"));
+    scene->setSel({nullptr, &scene->row("d")});
+    QCOMPARE(scene->sel(), std::string("d"));
+    // Also inside of what is closed.
+    scene->row("a").setOpen(false);
+    QCOMPARE(scene->sel(), std::string("d"));
+}
+
+void tst_TreeView::selectionForgetsRowsThatDie()
+{
+    const auto scene = makeScene({opened(item("a", {item("b"), item("c")})), item("d")});
+    scene->lines();
+    scene->click("b");
+    scene->select({"b", "c", "d"});
+    scene->find("a")->dropChildren();
+    QCOMPARE(scene->sel(), std::string("d"));
+    QCOMPARE(scene->current(), std::string("-"));
+    QCOMPARE(scene->numRows, std::size_t(2));
+}
+
+void tst_TreeView::tellsOfRowsThatDie()
+{
+    const auto scene = makeScene({opened(item("a", {item("b"), opened(item("c", {item("d")}))}))});
+    scene->lines();
+    scene->takeLog();
+    scene->find("a")->dropChildren();
+    QCOMPARE(scene->takeLog(), std::string("deleteRow; deleteRow; deleteRow"));
+    // Not of those that die with the view.
+    scene->destroyView();
+    QCOMPARE(scene->takeLog(), std::string());
+    QCOMPARE(scene->numRows, std::size_t(0));
+}
+
+void tst_TreeView::rowTextIsSetFromOutside()
+{
+    const auto scene = makeScene({item("a")});
+    scene->lines();
+    scene->setRowText(scene->row("a"), "K\xC3\xA4se");
+    QCOMPARE(scene->row("a").getText(), QString::fromUtf8("Käse"));
+}
+
+QTEST_MAIN(tst_TreeView)
+#include "tst_TreeView.moc"
