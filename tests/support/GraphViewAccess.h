@@ -2,6 +2,7 @@
 
 // What the tests of the graph see of a view beyond its public interface.
 
+#include "zrVOMGUI/foundation/gui/GuardedDrag.h"
 #include "zrVOMGUI/graph/ObjectGraphView.h"
 #include "zrVOMGUI/graph/private/Node.h"
 #include "zrVOMGUI/graph/private/PaintContext.h"
@@ -91,7 +92,12 @@ struct GraphViewAccess {
         return view.getDropObjs(data);
     }
     static QPixmap makeDragPixmap(ObjectGraphView &view) { return view.makeDragPixmap(); }
-    static QDrag *drag(ObjectGraphView &view) { return view.drag; }
+    /// The running one; null when none runs.
+    static QDrag *drag(ObjectGraphView &view)
+    {
+        // Qt deletes ended ones later.
+        return view.drag->isRunning() ? view.findChildren<QDrag *>().last() : nullptr;
+    }
     static std::vector<RefT<VOM::Object>> &dragObjs(ObjectGraphView &view) { return view.dragObjs; }
     static std::vector<RefT<VOM::Object>> &dragCopies(ObjectGraphView &view)
     {

@@ -1,6 +1,7 @@
 // Objects leave the view by a drag, and a drop shows objects that the view knows, with what lies on
 // the routes to what is shown already. Neither changes the model.
 
+#include "zrVOMGUI/foundation/gui/GuardedDrag.h"
 #include "zrVOMGUI/foundation/vom/Copy.h"
 #include "zrVOMGUI/graph/ObjectGraphView.h"
 #include "zrVOMGUI/graph/layout/Components.h"
@@ -9,7 +10,6 @@
 #include "zrVOMGUI/presentation/ItemLabel.h"
 #include "zrVOMGUI/transfer/MimeData.h"
 
-#include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
@@ -136,7 +136,7 @@ std::set<RefT<Graph::Node>> ObjectGraphView::findVisibleComponents() const
 /// is over; until then timers run, the model may change, and the view may be destroyed.
 void ObjectGraphView::startDrag()
 {
-    if (drag)
+    if (drag->isRunning())
         return;
     // KEPT: sigSel isn't emitted when a drag selects the pressed node. Hosts answer sigSel with
     // other widgets, and a drag isn't the moment for that.
@@ -151,13 +151,8 @@ void ObjectGraphView::startDrag()
     if (!self)
         return;
 
-    drag = new QDrag(this);
-    drag->setMimeData(offer.release());
-    drag->setPixmap(pixmap);
-    drag->exec(Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::LinkAction);
-    // Qt keeps the QDrag for as long as another program may ask for its data.
-    if (self)
-        drag = nullptr;
+    drag->exec(*this, {std::move(offer), pixmap, {}},
+               Qt::CopyAction | Qt::MoveAction | Qt::LinkAction, Qt::LinkAction);
 }
 
 /// Takes the selected objects and their copies, and makes the data that leads to them. Null when
@@ -183,17 +178,6 @@ std::unique_ptr<QMimeData> ObjectGraphView::offerSelection()
     if (!self)
         return {};
     return offer;
-}
-
-/// A drag that runs while its view is destroyed lives on until it ends, with nothing to offer.
-void ObjectGraphView::abandonDrag()
-{
-    if (!drag)
-        return;
-    drag->setParent(nullptr);
-    // Emptied, not replaced: whoever destroys the view may be in the middle of a drop.
-    drag->mimeData()->clear();
-    QDrag::cancel();
 }
 
 /// KEPT: of more than 16 objects the first 16 are shown, and no mark of the rest, so that the

@@ -1,5 +1,6 @@
 #include "zrVOMGUI/graph/ObjectGraphView.h"
 
+#include "zrVOMGUI/foundation/gui/GuardedDrag.h"
 #include "zrVOMGUI/graph/private/Node.h"
 #include "zrVOMGUI/graph/private/NodeLinks.h"
 
@@ -21,6 +22,7 @@ ObjectGraphView::ObjectGraphView(RefT<Exporter> const &exporter, QWidget *parent
     , tooltip(*this, false)
     , xmlExporter(exporter)
     , iconSize(style()->pixelMetric(QStyle::PM_ListViewIconSize))
+    , drag(std::make_unique<ZR::GUI::GuardedDrag>())
 {
     animTimer.setInterval(tickMilliseconds);
     scrollTimer.setInterval(tickMilliseconds);
@@ -37,7 +39,7 @@ ObjectGraphView::ObjectGraphView(RefT<Exporter> const &exporter, QWidget *parent
 ObjectGraphView::~ObjectGraphView()
 {
     announceDelete();
-    abandonDrag();
+    drag->abandon();
     for (auto &[obj, slot] : nodes)
         slot.sigDeleteConn.disconnect();
     setMouseTracking(false);

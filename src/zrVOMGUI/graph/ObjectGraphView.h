@@ -12,7 +12,6 @@
 #include <QAbstractScrollArea>
 #include <QColor>
 #include <QPixmap>
-#include <QPointer>
 #include <QTimer>
 
 #include <cstdint>
@@ -23,10 +22,13 @@
 #include <utility>
 #include <vector>
 
-class QDrag;
 class QMimeData;
 class QPainter;
 class QPolygon;
+
+namespace ZR::GUI {
+class GuardedDrag;
+}
 
 namespace ZR::VOM::GUI {
 
@@ -363,7 +365,6 @@ private:
     std::set<RefT<Node>> findVisibleComponents() const;
     void startDrag();
     std::unique_ptr<QMimeData> offerSelection();
-    void abandonDrag();
     QPixmap makeDragPixmap();
 
     // Painting.
@@ -440,7 +441,7 @@ private:
 
     // What the last drag offers. Kept for receivers that still work on it.
     std::vector<RefT<Object>> dragObjs, dragCopies;
-    QPointer<QDrag> drag; // The running one.
+    const std::unique_ptr<ZR::GUI::GuardedDrag> drag;
 };
 
 } // namespace ZR::VOM::GUI
