@@ -17,6 +17,7 @@ private slots:
     void addedNodesCanBeKeptAndCopied();
     void noNodeHasNoObject();
     void positionsWithinTheRangeAreKeptExactly();
+    void viewIsMovedAsAnyWidget();
 };
 
 void tst_GraphHost::addedNodesTellTheirObjects()
@@ -67,6 +68,14 @@ void tst_GraphHost::positionsWithinTheRangeAreKeptExactly()
     QVERIFY(view.getPos(object, x, y));
     QCOMPARE(x, most);
     QCOMPARE(y, -most);
+}
+
+void tst_GraphHost::viewIsMovedAsAnyWidget()
+{
+    QWidget window;
+    ObjectGraphView view({}, &window);
+    view.move(20, 30);
+    QCOMPARE(view.pos(), QPoint(20, 30));
 }
 
 QTEST_MAIN(tst_GraphHost)

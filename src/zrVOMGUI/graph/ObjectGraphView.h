@@ -49,6 +49,11 @@ struct LinkEntry;
 /// Every object that was added has a node, visible or not. Hidden nodes keep their links, so that
 /// the view can show, by an arrow, where a neighbour is hidden.
 ///
+/// A click selects a node alone, with Control it adds or removes the node, and on empty space it
+/// clears the selection. Control+A selects all visible nodes, Control+Shift+A none. A click on an
+/// arrow shows the neighbours that are hidden there. A right click asks for a context menu, of
+/// which the view has none, and a move from a pressed box drags the selected objects.
+///
 /// GUI thread only. Coordinates are content pixels with y downward, a node's x and y its centre;
 /// they may be negative. Times are seconds. Unknown objects, null references and empty lists are
 /// passed over without a report.
@@ -127,6 +132,7 @@ public:
     /// False for an object without a node, too.
     bool isVisible(PtrT<Object> const &obj) const;
     using QWidget::isVisible;
+    using QWidget::move;
 
     /// @}
     /// \name Layout and positions
