@@ -11,7 +11,9 @@
 #include <QMouseEvent>
 #include <QScrollBar>
 
+#include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <tuple>
 
 namespace ZR::VOM::GUI {
@@ -29,11 +31,20 @@ bool isWithin(std::int64_t offset, int begin, int length)
     return offset >= begin && offset < std::int64_t(begin) + length;
 }
 
+int boundedSum(int a, int b)
+{
+    using Limits = std::numeric_limits<int>;
+    return static_cast<int>(
+        std::clamp<std::int64_t>(std::int64_t(a) + b, Limits::min(), Limits::max()));
+}
+
 } // namespace
 
+/// Events that a host forwards or makes may lie anywhere.
 QPoint ObjectGraphView::contentPos(QPoint const &viewportPos) const
 {
-    return viewportPos + QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value());
+    return {boundedSum(viewportPos.x(), horizontalScrollBar()->value()),
+            boundedSum(viewportPos.y(), verticalScrollBar()->value())};
 }
 
 /// KEPT: the bands over and under a box aren't part of it, but for the arrows that are painted
@@ -155,6 +166,8 @@ void ObjectGraphView::updateTooltip(QPoint const &pos)
         setToolTip(text);
 }
 
+/// KEPT: A without Control ends here, neither accepted nor ignored, while all other keys are the
+/// scroll area's: hosts that give the letter a meaning filter it before.
 void ObjectGraphView::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() != Qt::Key_A) {
