@@ -1,3 +1,4 @@
+#include "support/MouseScene.h"
 #include "support/QtStrings.h"
 #include "support/ViewPicture.h"
 
@@ -44,6 +45,7 @@ private slots:
     void uprightLinksAreSharp();
     void arrowsLieInTheirBands();
     void listenersPaintInPixels();
+    void mouseMeetsWhereBoxesStand();
 };
 
 void tst_GraphScale::initTestCase()
@@ -157,6 +159,30 @@ void tst_GraphScale::listenersPaintInPixels()
     const QImage picture = scene.paint();
     QCOMPARE(square, QRect(150 + node.iconX, 150 + node.iconY, 24, 24));
     QVERIFY(isAll(picture, onDevice(square), QColor(Qt::blue).rgb()));
+}
+
+/// Driven by the window system's mouse, which counts the device's pixels.
+void tst_GraphScale::mouseMeetsWhereBoxesStand()
+{
+    MouseScene scene(12);
+    QVERIFY(QTest::qWaitForWindowExposed(&scene.view()));
+    scene.view().horizontalScrollBar()->setValue(scene.scroll().x() + 400);
+    QWindow *const window = scene.view().windowHandle();
+    const QRect box = scene.box(5);
+    int numClicks = 0;
+    const auto selectedByClick = [&](QPoint const &pos) {
+        QTest::mouseClick(window, Qt::LeftButton, {}, pos);
+        return QTest::qWaitFor([&] { return scene.numSel > numClicks; }) &&
+                       scene.numSel == ++numClicks
+                   ? scene.selected()
+                   : QString("no click");
+    };
+    for (QPoint const &corner : {box.topLeft(), box.bottomRight()})
+        QCOMPARE(selectedByClick(corner), QString("5"));
+    for (QPoint const &outside : {box.topLeft() - QPoint(1, 0), box.bottomRight() + QPoint(0, 1)})
+        QCOMPARE(selectedByClick(outside), QString());
+    QTest::mouseClick(window, Qt::RightButton, {}, {31, 43});
+    QTRY_COMPARE(scene.menuPos, QPoint(31, 43));
 }
 
 // As QTEST_MAIN, on a scaled screen.

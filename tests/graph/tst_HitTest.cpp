@@ -1,5 +1,5 @@
 #include "support/ViewGraph.h"
-#include "support/ViewProbe.h"
+#include "support/ViewPicture.h"
 
 #include <QtTest>
 
@@ -62,7 +62,11 @@ private slots:
     void everyPixelOfANode();
     void hiddenNodeIsNotHit();
     void measuredNothingIsNotHit();
+    void paintedBoxIsHit_data();
+    void paintedBoxIsHit();
     void lowestObjectAddressWinsWhereBoxesOverlap();
+    void emptyBandLetsTheNodeUnderItBeHit();
+    void arrowInABandHidesTheNodeUnderIt();
     void farPlacesDoNotOverflow();
 };
 
@@ -122,6 +126,33 @@ void tst_HitTest::measuredNothingIsNotHit()
     QCOMPARE(hitAt(graph, {0, 0}), int(None));
 }
 
+void tst_HitTest::paintedBoxIsHit_data()
+{
+    QTest::addColumn<QSize>("text");
+    QTest::addColumn<QPoint>("scroll");
+    QTest::newRow("even") << QSize(30, 26) << QPoint(0, 0);
+    QTest::newRow("odd") << QSize(31, 27) << QPoint(0, 0);
+    QTest::newRow("scrolled") << QSize(30, 27) << QPoint(-37, 41);
+}
+
+void tst_HitTest::paintedBoxIsHit()
+{
+    QFETCH(QSize, text);
+    QFETCH(QPoint, scroll);
+    PaintScene scene("a");
+    scene.place('a', {150, 140}, text);
+    scene.scrollTo(scroll);
+    const QRect painted = otherThan(PaintScene::background, scene.paint());
+    QRect taken;
+    for (int y = 0; y < 300; ++y)
+        for (int x = 0; x < 300; ++x)
+            if (Access::find(scene.view, QPoint(x, y) + scroll).second == Box)
+                taken |= QRect(x, y, 1, 1);
+    // The outline's right and lower lines lie just outside.
+    QCOMPARE(taken, painted.adjusted(0, 0, -1, -1));
+}
+
+/// KEPT: where boxes overlap, the one of the lowest object address is found.
 void tst_HitTest::lowestObjectAddressWinsWhereBoxesOverlap()
 {
     ViewGraph graph(3);
@@ -132,6 +163,35 @@ void tst_HitTest::lowestObjectAddressWinsWhereBoxesOverlap()
         QCOMPARE(Access::find(graph.view, {2, 0}).first->obj.get(), lowest.get());
         graph.view.setVisible({lowest}, false);
     }
+}
+
+/// KEPT: the bands over and under a box aren't part of it.
+void tst_HitTest::emptyBandLetsTheNodeUnderItBeHit()
+{
+    ViewGraph graph(2);
+    for (unsigned i : {0u, 1u})
+        put(graph, i, {40, 16}, {0, 0});
+    Node &lowest = *Access::node(graph.view, graph.view.getVisibleObjs()[0]);
+    Node &other = *Access::node(graph.view, graph.view.getVisibleObjs()[1]);
+    graph.view.setPos(other.obj, 0, -lowest.height / 2, false);
+    const auto [node, hit] = Access::find(graph.view, {0, -lowest.height / 2});
+    QCOMPARE(hit, int(Box));
+    QCOMPARE(node.get(), &other);
+}
+
+void tst_HitTest::arrowInABandHidesTheNodeUnderIt()
+{
+    ViewGraph graph(2);
+    for (unsigned i : {0u, 1u})
+        put(graph, i, {40, 16}, {0, 0});
+    Node &lowest = *Access::node(graph.view, graph.view.getVisibleObjs()[0]);
+    Node &other = *Access::node(graph.view, graph.view.getVisibleObjs()[1]);
+    lowest.hiddenIn = true;
+    const QPoint arrow(lowest.arrowX, lowest.topY);
+    graph.view.setPos(other.obj, arrow.x(), arrow.y(), false);
+    QCOMPARE(Access::find(graph.view, arrow).second, int(UpperArrow));
+    QCOMPARE(Access::find(graph.view, arrow).first.get(), &lowest);
+    QCOMPARE(Access::find(graph.view, arrow - QPoint(1, 0)).first.get(), &other);
 }
 
 void tst_HitTest::farPlacesDoNotOverflow()
