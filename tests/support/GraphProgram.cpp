@@ -38,6 +38,7 @@ GraphProgram::Deed const GraphProgram::deeds[] = {
     {3, &GraphProgram::select},
     {4, &GraphProgram::click},
     {1, &GraphProgram::selectByKey},
+    {4, &GraphProgram::clickArrow},
     {14, &GraphProgram::layout},
     {6, &GraphProgram::addRule},
     {3, &GraphProgram::removeRule},

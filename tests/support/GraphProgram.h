@@ -108,6 +108,7 @@ private:
     void select(Dice &dice);
     void click(Dice &dice);
     void selectByKey(Dice &dice);
+    void clickArrow(Dice &dice);
     void layout(Dice &dice);
     void addRule(Dice &dice);
     void removeRule(Dice &dice);

@@ -174,6 +174,46 @@ void GraphProgram::selectByKey(Dice &dice)
     QCoreApplication::sendEvent(&watched.view, &key);
 }
 
+/// Clicks an arrow where nothing lies over it.
+void GraphProgram::clickArrow(Dice &dice)
+{
+    Watched &watched = anyView(dice);
+    struct Arrow {
+        Graph::Node *node;
+        bool upper;
+        QPoint pos;
+    };
+    std::vector<Arrow> arrows;
+    watched.view.viewport()->grab();
+    for (RefT<Object> const &obj : watched.view.getVisibleObjs()) {
+        Graph::Node &node = *GraphViewAccess::node(watched.view, obj);
+        const QPoint corner(node.x + node.arrowX, node.y);
+        if (node.hiddenIn)
+            arrows.push_back({&node, true, corner + QPoint(0, node.topY)});
+        if (node.hiddenOut)
+            arrows.push_back({&node, false, corner + QPoint(0, node.bottomY)});
+    }
+    if (arrows.empty())
+        return say(viewName(watched) + "click no arrow");
+    const Arrow arrow = arrows[dice.below(unsigned(arrows.size()))];
+    const auto [hitNode, hit] = GraphViewAccess::find(watched.view, arrow.pos);
+    if (hitNode.get() != arrow.node || hit != (arrow.upper ? 2 : 3))
+        return say(viewName(watched) + "click no hidden arrow");
+    say(viewName(watched) + (arrow.upper ? "reveal above" : "reveal below") +
+        describe({RefT<Object>(arrow.node->obj)}));
+    Things neighbours;
+    for (auto const &[far, entry] : arrow.upper ? arrow.node->linkedIn : arrow.node->linkedOut)
+        neighbours.emplace_back(far->obj);
+    // None where the node was out of sight, and has kept its arrow since they were shown.
+    const std::vector<std::string> shown = watched.oracle.setVisible(neighbours, true);
+    if (!shown.empty())
+        watched.toTell = '+' + joined(shown) + ';';
+    const QPoint pos = arrow.pos - QPoint(watched.view.horizontalScrollBar()->value(),
+                                          watched.view.verticalScrollBar()->value());
+    QMouseEvent release(QEvent::MouseButtonRelease, pos, Qt::LeftButton, Qt::NoButton, {});
+    QCoreApplication::sendEvent(watched.view.viewport(), &release);
+}
+
 void GraphProgram::layout(Dice &dice)
 {
     Watched &watched = anyView(dice);
