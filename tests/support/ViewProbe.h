@@ -2,9 +2,9 @@
 
 // What tests of views ask for again and again.
 
+#include "support/ErrorReports.h"
 #include "support/GraphViewAccess.h"
 #include "support/dump.h"
-#include "zrVOMGUI/foundation/util/Error.h"
 
 #include <QCoreApplication>
 #include <QTimerEvent>
@@ -78,25 +78,6 @@ private:
     void add(std::string const &note) { text += (text.empty() ? "" : "; ") + note; }
 
     std::string text;
-};
-
-/// Collects what is reported of caught exceptions, as "where: what".
-class Reports {
-public:
-    Reports()
-        : before(setErrorSink([this](std::string const &where, std::string const &what) {
-            texts.push_back(where + ": " + what);
-        }))
-    {
-    }
-    ~Reports() { setErrorSink(before); }
-    Reports(Reports const &) = delete;
-    Reports &operator=(Reports const &) = delete;
-
-    std::vector<std::string> texts;
-
-private:
-    ErrorSink before;
 };
 
 } // namespace ZR::VOM::GUI

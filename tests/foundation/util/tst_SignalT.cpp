@@ -56,6 +56,7 @@ class tst_SignalT : public QObject {
     Q_OBJECT
 
 private slots:
+    void signalTellsWhetherAnybodyListens();
     void emissionWithoutSlotsDoesNothing();
     void slotsAreCalledInTheOrderOfConnecting();
     void memberFunctionIsCalledOnItsObject();
@@ -512,6 +513,16 @@ void tst_SignalT::emitCatchingCallsTheSlotsBehindAnException()
     setErrorSink(before);
     QCOMPARE(calls, 1);
     QCOMPARE(reports, std::string("here=slot"));
+}
+
+void tst_SignalT::signalTellsWhetherAnybodyListens()
+{
+    ZR::SignalT<ZR::SigVoidData> signal;
+    QVERIFY(!signal.hasSlots());
+    auto connection = signal.connect([](ZR::SigVoidData const &) {});
+    QVERIFY(signal.hasSlots());
+    connection.disconnect();
+    QVERIFY(!signal.hasSlots());
 }
 
 QTEST_APPLESS_MAIN(tst_SignalT)

@@ -165,6 +165,13 @@ public:
         });
     }
 
+    /// Whether anybody listens.
+    bool hasSlots() const
+    {
+        Table const *const table = getTable();
+        return table && !table->slots.empty();
+    }
+
     bool isConnected(unsigned id) override
     {
         Table const *const table = getTable();

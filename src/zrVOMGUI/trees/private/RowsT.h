@@ -1,0 +1,681 @@
+#pragma once
+
+// Not for hosts: the rows of the two trees that are built of rows. What differs between them is how
+// rows are owned, and a few behaviours that their views name.
+
+#include "zrVOMGUI/foundation/util/Error.h"
+#include "zrVOMGUI/foundation/vom/Path.h"
+#include "zrVOMGUI/foundation/vom/linkFields.h"
+#include "zrVOMGUI/presentation/ItemLabel.h"
+#include "zrVOMGUI/presentation/ObjectIconDB.h"
+
+#include <QIcon>
+#include <QWidget>
+
+#include <algorithm>
+#include <map>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace ZR::VOM::GUI::Trees {
+
+/// Rows of objects, of their link fields, and of the values of these.
+///
+/// Model signals only mark a row and ask for a layout. The work is done in onUpdate(), where rows
+/// that still stand for the same object or field are moved and not made anew.
+///
+/// `View` is a tree; its nested VoidRow is the base of all rows here and knows, beside the row
+/// operations,
+/// - getView(), null while the view is torn down, and getVoidParent(), null at the top;
+/// - getVoidChild(), a child that exists, and getHandle(), by which rows are handed out;
+/// - Watch, which tells whether the row is still there after a host was called.
+template <class View>
+struct RowsT {
+    using VoidRow = typename View::VoidRow;
+    using ParentRow = typename View::ParentRow; // How a constructor takes the parent.
+    using RowHandle = typename View::RowHandle;
+    using OwnedRow = typename View::OwnedRow;
+    using OwnedRows = std::vector<OwnedRow>;
+    using Watch = typename VoidRow::Watch;
+
+    class ObjectRow;
+    class FieldRow;
+    template <class FieldType>
+    class LinkRow;
+    template <class FieldType>
+    class SingleLinkRow;
+    template <class FieldType>
+    class LinkListRow;
+    class Root;
+
+    static bool isEmpty(Path const &path)
+    {
+        return path.getType() == Path::Object && !path.getObj();
+    }
+
+    /// The path of a value at a position of the field at the end of `path`.
+    static Path valuePath(Path path, std::size_t position)
+    {
+        if (path.getNum() == 0)
+            return path;
+        const PtrT<Field> field = path.getLast().field;
+        path.pop();
+        if (auto *const list = cast<MField>(field))
+            path.pushValue(*list, position);
+        else if (field)
+            path.pushValue(*field);
+        return path;
+    }
+
+    /// Opens a row, asks one of its children for a row, and closes it again unless it is to stay
+    /// open on the way to what was found.
+    template <class Ask>
+    static RowHandle askOpened(VoidRow &row, bool keepOpen, Ask const &ask)
+    {
+        const Watch watch(row);
+        const bool wasOpen = row.isOpen();
+        row.setOpen(true);
+        row.onUpdate(true);
+        if (watch.isGone())
+            return {};
+        const RowHandle found = ask();
+        if (!watch.isGone() && !(found && keepOpen))
+            row.setOpen(wasOpen);
+        return found;
+    }
+
+    static RowHandle askChild(VoidRow &row, std::size_t position, Path const &path,
+                              std::size_t step, bool keepOpen)
+    {
+        VoidRow *const child = row.getVoidChild(position);
+        return child ? child->makeRow(path, step, keepOpen) : RowHandle();
+    }
+
+    /// Old rows by what they stand for, in their order.
+    template <class Key>
+    class Reusable {
+    public:
+        void add(Key key, OwnedRow &&row) { rows.emplace(key, std::move(row)); }
+        /// The first one of the key, which is gone from here then; empty when there is none.
+        OwnedRow take(Key key)
+        {
+            const auto found = rows.find(key);
+            if (found == rows.end())
+                return {};
+            OwnedRow row = std::move(found->second);
+            rows.erase(found);
+            return row;
+        }
+
+    private:
+        std::multimap<Key, OwnedRow> rows; // Keeps the order of equal keys.
+    };
+};
+
+/// One object.
+template <class View>
+class RowsT<View>::ObjectRow : public VoidRow {
+public:
+    ObjectRow(View &view, ParentRow const &parent, VOM::Object &shownObj)
+        : VoidRow(view, parent)
+        , obj(shownObj)
+    {
+        watchFields(view);
+        conDelete = shownObj.sigDelete.connect([this](auto const &) { lost = true; });
+    }
+    ~ObjectRow() override { disconnectAll(); }
+
+    /// Null once the object is gone.
+    VOM::Object *getObj() const { return obj.get(); }
+    bool isLost() const { return lost; }
+    /// Whether the row may go on to stand for an object, or for none.
+    bool standsFor(VOM::Object const *other) const { return !lost && obj && obj.get() == other; }
+
+    void onUpdate(bool wanted) override
+    {
+        View *const view = this->getView();
+        if (!view || !obj)
+            return;
+        const Watch watch(*this);
+        updateLabel(*view);
+        if (watch.isGone() || !this->getView() || !obj)
+            return;
+        if (wanted && (this->isOpen() || view->isHideFields())) {
+            if (rowsDirty)
+                rebuild(*view);
+        } else if (numDirty) {
+            this->setNumChildRows(acceptedFields(*view).size());
+            numDirty = false;
+        }
+    }
+
+    Path getPath() override
+    {
+        if (lost && !View::lostRowsHavePaths)
+            return Path(PtrT<VOM::Object>());
+        const Path path = VoidRow::getPath();
+        return isEmpty(path) ? Path(obj) : path;
+    }
+
+    RowHandle makeRow(Path const &path, std::size_t step, bool keepOpen) override
+    {
+        if (step == path.getNum())
+            return this->getHandle();
+        return askOpened(*this, keepOpen, [&] {
+            return askChild(*this, childOf(path.get(step).field), path, step, keepOpen);
+        });
+    }
+
+    void onObjIconDBChanged() override
+    {
+        iconDirty = true;
+        this->invalidateIconLayout();
+        this->repaintView();
+    }
+    void onTypeNameChanged() override { dirtyText(); }
+    void onAcceptedFieldsChanged() override { dirtyRows(); }
+
+    /// KEPT: the death of the object isn't listened for again, so that the row no longer counts as
+    /// lost afterwards. Hosts have rows that stay until their parents change.
+    void onNameFieldChanged() override
+    {
+        View *const view = this->getView();
+        if (!view)
+            return;
+        disconnectAll();
+        dirtyText();
+        if (obj)
+            watchFields(*view);
+    }
+
+protected:
+    void dirtyText()
+    {
+        if (!this->getView())
+            return;
+        textDirty = true;
+        this->invalidateTextLayout();
+        this->repaintView();
+    }
+
+private:
+    void dirtyRows()
+    {
+        if (!this->getView())
+            return;
+        numDirty = rowsDirty = true;
+        this->invalidateLayout();
+        this->repaintView();
+    }
+
+    void disconnectAll()
+    {
+        for (Signal::Connection *connection :
+             {&conDelete, &conAddField, &conRemoveField, &conNameField})
+            connection->disconnect();
+    }
+
+    /// KEPT: without a name field nobody watches fields come and go. Large models without names pay
+    /// for no connection, and such a row meets a new field when its parent is rebuilt.
+    void watchFields(View &view)
+    {
+        if (view.getNameField().empty())
+            return;
+        watchName(view);
+        conAddField = obj->sigAddField.connect(
+            [this](auto const &sigData) { onFieldsChanged(*obj->getField(sigData.index)); });
+        conRemoveField = obj->sigRemoveField.connect(
+            [this](auto const &sigData) { onFieldsChanged(**sigData.field); });
+    }
+
+    void watchName(View &view)
+    {
+        if (auto *const name = cast<FieldString>(obj->findField(view.getNameField())))
+            conNameField = name->sigSet.connect([this](auto const &) { dirtyText(); });
+    }
+
+    /// KEPT: of a field that leaves, the look-up by name still finds it, and it is watched anew:
+    /// views show its last changes as long as somebody holds it.
+    void onFieldsChanged(Field &field)
+    {
+        View *const view = this->getView();
+        if (!view)
+            return;
+        if (!view->getNameField().empty() && field.name == view->getNameField()) {
+            conNameField.disconnect();
+            dirtyText();
+            watchName(*view);
+        }
+        if (view->isAccepted(field))
+            dirtyRows();
+    }
+
+    void updateLabel(View &view)
+    {
+        const RefT<VOM::Object> held(obj);
+        if (iconDirty) {
+            QIcon icon;
+            tryCatch("ZR::VOM::GUI::ObjectTreeView::ObjectRow::onUpdate", [&] {
+                if (RefT<ObjectIconDB> const db = view.getObjIconDB())
+                    icon = db->find(held);
+            });
+            this->setIcon(icon);
+            iconDirty = false;
+        }
+        if (textDirty) {
+            this->setText(
+                getItemLabel(held, view.getNameField(), view.isTypeName(), View::hasAddress(view)));
+            textDirty = false;
+        }
+    }
+
+    std::vector<PtrT<Field>> acceptedFields(View const &view) const
+    {
+        std::vector<PtrT<Field>> fields;
+        for (std::size_t i = 0; i < obj->getNumFields(); ++i)
+            if (RefT<Field> const &field = obj->getField(i); view.isAccepted(*field))
+                fields.emplace_back(field);
+        return fields;
+    }
+
+    void rebuild(View &view)
+    {
+        const Watch watch(*this);
+        const std::vector<PtrT<Field>> fields = acceptedFields(view);
+        numDirty = rowsDirty = false;
+        Reusable<Field const *> old;
+        for (OwnedRow &row : this->releaseChildRows())
+            if (auto *const fieldRow = dynamic_cast<FieldRow *>(row.get());
+                fieldRow && fieldRow->getField() && !fieldRow->isLost())
+                old.add(fieldRow->getField(), std::move(row));
+        OwnedRows rows;
+        for (PtrT<Field> const &field : fields) {
+            if (!field)
+                continue;
+            OwnedRow row = old.take(field.get());
+            if (!row)
+                row = view.makeRow(*this, *field);
+            if (watch.isGone() || !this->getView())
+                return;
+            rows.push_back(std::move(row));
+        }
+        this->setChildRows(std::move(rows));
+    }
+
+    std::size_t childOf(PtrT<Field> const &field) const
+    {
+        const std::size_t num = this->getNumMadeChildRows();
+        for (std::size_t i = 0; i < num; ++i)
+            if (auto const *const row = dynamic_cast<FieldRow const *>(this->getVoidChild(i));
+                row && field && row->getField() == field.get())
+                return i;
+        return num;
+    }
+
+    const PtrT<VOM::Object> obj;
+    bool lost = false;
+    bool iconDirty = true, textDirty = true;
+    bool numDirty = true, rowsDirty = true;
+    Signal::Connection conDelete, conAddField, conRemoveField, conNameField;
+};
+
+/// One link field.
+template <class View>
+class RowsT<View>::FieldRow : public VoidRow {
+public:
+    FieldRow(View &view, ParentRow const &parent, Field &shownField)
+        : VoidRow(view, parent)
+        , field(shownField)
+    {
+        constexpr unsigned watched = 1;
+        this->setHidden(view.isHideFields());
+        this->setText(shownField.name);
+        if (shownField.getFlags() & watched)
+            conDelete = shownField.sigDelete.connect([this](auto const &) { lost = true; });
+    }
+    ~FieldRow() override { conDelete.disconnect(); }
+
+    /// Null once the field is gone.
+    Field *getField() const { return field.get(); }
+    bool isLost() const { return lost; }
+
+    Path getPath() override
+    {
+        if ((lost && !View::lostRowsHavePaths) || !field)
+            return Path(PtrT<VOM::Object>());
+        VoidRow *const parent = this->getVoidParent();
+        Path path = parent ? parent->getPath() : Path(PtrT<VOM::Object>());
+        if (isEmpty(path) && field->owner)
+            path = Path(*field->owner);
+        path.pushField(*field);
+        return path;
+    }
+
+    void onHideFieldsChanged() override
+    {
+        if (View const *const view = this->getView())
+            this->setHidden(view->isHideFields());
+    }
+
+protected:
+    /// Hidden rows count as open: their children stand in their place.
+    bool showsChildren() const { return this->isOpen() || this->isHidden(); }
+
+    /// Whether a path ends at this row's field.
+    static bool endsHere(Path const &path, std::size_t step)
+    {
+        return step + 1 == path.getNum() && path.getType() == Path::Field;
+    }
+
+    OwnedRow makeValueRow(View &view, RefT<VOM::Object> const &value)
+    {
+        return value ? view.makeRow(*this, *value) : view.makeRow(*this);
+    }
+
+    const PtrT<Field> field;
+    bool lost = false;
+    Signal::Connection conDelete;
+};
+
+/// What single links and lists of links share: two signals that mark the row.
+template <class View>
+template <class FieldType>
+class RowsT<View>::LinkRow : public FieldRow {
+public:
+    LinkRow(View &view, ParentRow const &parent, FieldType &shownField)
+        : FieldRow(view, parent, shownField)
+    {
+        const auto mark = [this](auto const &) { markChanged(); };
+        if constexpr (std::is_base_of_v<MField, FieldType>)
+            conChange = shownField.sigReplace.connect(mark);
+        else
+            conChange = shownField.sigSet.connect(mark);
+        conLost = shownField.sigLost.connect(mark);
+    }
+    ~LinkRow() override
+    {
+        conChange.disconnect();
+        conLost.disconnect();
+    }
+
+protected:
+    virtual void setDirty() = 0;
+
+    /// Null once the field is gone.
+    FieldType *getLinks() const { return static_cast<FieldType *>(this->field.get()); }
+
+private:
+    void markChanged()
+    {
+        if (!this->getView())
+            return;
+        setDirty();
+        this->invalidateLayout();
+        this->repaintView();
+    }
+
+    Signal::Connection conChange, conLost;
+};
+
+/// A field of one link, which always has one child.
+template <class View>
+template <class FieldType>
+class RowsT<View>::SingleLinkRow : public LinkRow<FieldType> {
+public:
+    SingleLinkRow(View &view, ParentRow const &parent, FieldType &shownField)
+        : LinkRow<FieldType>(view, parent, shownField)
+    {
+        this->setNumChildRows(1);
+    }
+
+    void onUpdate(bool wanted) override
+    {
+        View *const view = this->getView();
+        if (view && this->getLinks() && wanted && this->showsChildren() && valueDirty)
+            rebuild(*view);
+    }
+
+    RowHandle makeRow(Path const &path, std::size_t step, bool keepOpen) override
+    {
+        if (this->endsHere(path, step))
+            return this->getHandle();
+        return askOpened(*this, keepOpen,
+                         [&] { return askChild(*this, 0, path, step + 1, keepOpen); });
+    }
+
+protected:
+    void setDirty() override { valueDirty = true; }
+
+private:
+    void rebuild(View &view)
+    {
+        const Watch watch(*this);
+        const RefT<VOM::Object> value(this->getLinks()->get());
+        valueDirty = false;
+        OwnedRows rows = this->releaseChildRows();
+        if (rows.empty() || !canStay(*rows.front(), value)) {
+            rows.clear();
+            OwnedRow row = this->makeValueRow(view, value);
+            if (watch.isGone() || !this->getView())
+                return;
+            rows.push_back(std::move(row));
+        }
+        this->setChildRows(std::move(rows));
+    }
+
+    template <class Row>
+    static bool canStay(Row const &row, RefT<VOM::Object> const &value)
+    {
+        auto const *const objectRow = dynamic_cast<ObjectRow const *>(&row);
+        return objectRow ? objectRow->standsFor(value.get()) : !value;
+    }
+
+    bool valueDirty = true;
+};
+
+/// A list of links, with a child for each value.
+template <class View>
+template <class FieldType>
+class RowsT<View>::LinkListRow : public LinkRow<FieldType> {
+public:
+    using LinkRow<FieldType>::LinkRow;
+
+    void onUpdate(bool wanted) override
+    {
+        View *const view = this->getView();
+        if (!view || !this->getLinks())
+            return;
+        if (wanted && this->showsChildren()) {
+            if (rowsDirty)
+                rebuild(*view);
+        } else if (numDirty) {
+            this->setNumChildRows(this->getLinks()->getNum());
+            numDirty = false;
+        }
+    }
+
+    RowHandle makeRow(Path const &path, std::size_t step, bool keepOpen) override
+    {
+        if (this->endsHere(path, step))
+            return this->getHandle();
+        return askOpened(*this, keepOpen, [&] {
+            return askChild(*this, path.get(step).index, path, step + 1, keepOpen);
+        });
+    }
+
+protected:
+    void setDirty() override { numDirty = rowsDirty = true; }
+
+private:
+    void rebuild(View &view)
+    {
+        const Watch watch(*this);
+        numDirty = rowsDirty = false;
+        Reusable<VOM::Object const *> old;
+        for (OwnedRow &row : this->releaseChildRows()) {
+            auto const *const objectRow = dynamic_cast<ObjectRow const *>(row.get());
+            if (!objectRow)
+                old.add(nullptr, std::move(row));
+            else if (objectRow->getObj() && !objectRow->isLost())
+                old.add(objectRow->getObj(), std::move(row));
+        }
+        // A host that is told of a new row may change the field.
+        auto const values = this->getLinks()->getAll();
+        OwnedRows rows;
+        rows.reserve(values.size());
+        for (auto const &link : values) {
+            const RefT<VOM::Object> value(link);
+            OwnedRow row = old.take(value.get());
+            if (!row)
+                row = this->makeValueRow(view, value);
+            if (watch.isGone() || !this->getView())
+                return;
+            rows.push_back(std::move(row));
+        }
+        this->setChildRows(std::move(rows));
+    }
+
+    bool numDirty = true, rowsDirty = true;
+};
+
+/// The invisible top: objects and fields that the host put there.
+template <class View>
+class RowsT<View>::Root : public VoidRow {
+public:
+    using VoidRow::VoidRow;
+    ~Root() override { disconnectItems(); }
+
+    /// Puts an item before a position, or at the end, and returns where it is. Null shows an empty
+    /// link. Items aren't owned; they leave when they die.
+    std::size_t addItem(Class *item, std::size_t position)
+    {
+        position = std::min(position, items.size());
+        const auto offset = static_cast<std::ptrdiff_t>(position);
+        items.insert(items.begin() + offset, item);
+        itemCons.emplace(itemCons.begin() + offset);
+        if (item)
+            itemCons[position] = item->sigDelete.connect(
+                [this](SigVoidData const &sigData) { onItemDelete(sigData); }, PtrT<Class>(*item));
+        markDirty();
+        return position;
+    }
+
+    void removeItem(std::size_t position)
+    {
+        const auto offset = static_cast<std::ptrdiff_t>(position);
+        itemCons[position].disconnect();
+        itemCons.erase(itemCons.begin() + offset);
+        items.erase(items.begin() + offset);
+        markDirty();
+    }
+
+    void clearItems()
+    {
+        disconnectItems();
+        items.clear();
+        itemCons.clear();
+        markDirty();
+    }
+
+    std::size_t getNumItems() const { return items.size(); }
+
+    void onUpdate(bool) override
+    {
+        View *const view = this->getView();
+        if (view && dirty)
+            rebuild(*view);
+    }
+
+    using VoidRow::makeRow;
+    RowHandle makeRow(Path const &path, bool keepOpen)
+    {
+        const Watch watch(*this);
+        onUpdate(true);
+        PtrT<VOM::Object> const root = path.getRoot();
+        for (std::size_t i = 0; root && !watch.isGone() && this->getView() && i < items.size(); ++i)
+            if (items[i] == root.get())
+                if (const RowHandle found = askChild(*this, i, path, 0, keepOpen))
+                    return found;
+        return {};
+    }
+
+private:
+    void onItemDelete(SigVoidData const &sigData)
+    {
+        const auto item = std::find_if(items.begin(), items.end(), [&](Class const *other) {
+            return other && sigData.ptr.get() == other;
+        });
+        if (item != items.end())
+            removeItem(static_cast<std::size_t>(item - items.begin()));
+    }
+
+    void disconnectItems()
+    {
+        for (Signal::Connection &connection : itemCons)
+            connection.disconnect();
+    }
+
+    void markDirty()
+    {
+        if (!this->getView())
+            return;
+        dirty = true;
+        this->invalidateLayout();
+        this->repaintView();
+    }
+
+    void rebuild(View &view)
+    {
+        const Watch watch(*this);
+        dirty = false;
+        Reusable<Class const *> old;
+        for (OwnedRow &row : this->releaseChildRows())
+            if (View::keepsTopRows)
+                keep(old, std::move(row));
+        const std::vector<Class *> shown = items;
+        OwnedRows rows;
+        for (Class *item : shown) {
+            // A host that is told of a new row may let items die.
+            if (item && std::find(items.begin(), items.end(), item) == items.end())
+                continue;
+            OwnedRow row = old.take(item);
+            if (!row)
+                row = makeItemRow(view, item);
+            if (watch.isGone() || !this->getView())
+                return;
+            if (row)
+                rows.push_back(std::move(row));
+        }
+        this->setChildRows(std::move(rows));
+    }
+
+    static void keep(Reusable<Class const *> &old, OwnedRow &&row)
+    {
+        if (auto const *const objectRow = dynamic_cast<ObjectRow const *>(row.get())) {
+            if (objectRow->getObj() && !objectRow->isLost())
+                old.add(objectRow->getObj(), std::move(row));
+        } else if (auto const *const fieldRow = dynamic_cast<FieldRow const *>(row.get())) {
+            if (fieldRow->getField() && !fieldRow->isLost())
+                old.add(fieldRow->getField(), std::move(row));
+        } else {
+            old.add(nullptr, std::move(row));
+        }
+    }
+
+    OwnedRow makeItemRow(View &view, Class *item)
+    {
+        if (auto *const obj = dynamic_cast<VOM::Object *>(item))
+            return view.makeRow(*this, *obj);
+        if (auto *const field = dynamic_cast<Field *>(item))
+            return view.makeRow(*this, *field);
+        return view.makeRow(*this);
+    }
+
+    std::vector<Class *> items;
+    std::vector<Signal::Connection> itemCons; // Position by position.
+    bool dirty = false;
+};
+
+} // namespace ZR::VOM::GUI::Trees
