@@ -6,6 +6,7 @@
 #include "PackageGraph.h"
 #include "SignalLog.h"
 #include "Style.h"
+#include "TreePanel.h"
 
 #include <QApplication>
 #include <QDockWidget>
@@ -30,7 +31,7 @@ ExplorerWindow::ExplorerWindow(std::shared_ptr<PackageModel> const &shownModel,
     setWindowTitle(tr("Installed packages (%1)").arg(source));
     setWindowIcon(windowIcon());
     setCentralWidget(page);
-    resize(1320, 860);
+    resize(1560, 860);
     constexpr int edge = 12;
     figures->setContentsMargins(edge, 0, edge, 0);
     statusBar()->addPermanentWidget(figures);
@@ -39,6 +40,7 @@ ExplorerWindow::ExplorerWindow(std::shared_ptr<PackageModel> const &shownModel,
     connect(page, &GraphPage::said, this,
             [this](QString const &text) { statusBar()->showMessage(text, readingTime); });
     makeActions();
+    makeTree();
     makeLog();
     // The graph goes with this window.
     page->getGraph().sigPopupMenu.connect(
@@ -128,6 +130,18 @@ void ExplorerWindow::makeViewMenu(QToolBar &toolBar)
     connect(dark, &QAction::toggled, this, [](bool on) { setDarkStyle(on); });
     toolBar.addSeparator();
     toolBar.addAction(dark);
+}
+
+void ExplorerWindow::makeTree()
+{
+    constexpr int width = 300;
+    auto *const dock = new QDockWidget(tr("Sections"), this);
+    auto *const panel = new TreePanel(*model, dock);
+    connect(panel, &TreePanel::said, page, &GraphPage::said);
+    dock->setWidget(panel);
+    addDockWidget(Qt::RightDockWidgetArea, dock);
+    resizeDocks({dock}, {width}, Qt::Horizontal);
+    viewMenu->addAction(dock->toggleViewAction());
 }
 
 void ExplorerWindow::makeLog()

@@ -42,6 +42,7 @@ private:
     void makeViewMenu(QToolBar &toolBar);
     QAction *addAction(QMenu &menu, QString const &text, QKeySequence const &keys,
                        QString const &help, void (GraphPage::*slot)());
+    void makeTree();
     void makeLog();
     void popupMenu(QPoint const &viewportPos);
     QString startPackage() const;

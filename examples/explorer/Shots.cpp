@@ -4,6 +4,7 @@
 #include "GraphPage.h"
 #include "PackageGraph.h"
 #include "Style.h"
+#include "TreePanel.h"
 
 #include "zrVOMGUI/transfer/MimeData.h"
 
@@ -13,6 +14,7 @@
 #include <QDropEvent>
 #include <QEventLoop>
 #include <QImage>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
@@ -217,7 +219,7 @@ public:
         dropped->drop({"adduser", "passwd", "libgnutls30", "curl"});
 
         window.emplace(sharedModel, "extract");
-        window->resize(1280, 760);
+        window->resize(1500, 760);
         window->getPage().getGraph().animDuration.set(0);
         window->start("apt");
     }
@@ -251,6 +253,7 @@ public:
         album.add("graph-revealed.png", *revealed);
         backLinks->fit();
         album.add("graph-back-links.png", *backLinks);
+        shootTree(album);
         window->grab(); // Lays out what the window holds; the graph then knows its size.
         album.add("window.png", *window);
     }
@@ -263,6 +266,25 @@ public:
     }
 
 private:
+    /// The second section is opened, with its first package and what that depends on.
+    void shootTree(Album &album)
+    {
+        TreePanel panel(model);
+        panel.resize(420, 420);
+        panel.grab(); // Lays the rows out, which keys need.
+        for (Qt::Key key : {Qt::Key_Home, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right,
+                            Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right}) {
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+            QApplication::sendEvent(&panel.getTree(), &press);
+        }
+        album.add("tree.png", panel);
+        panel.setLayoutDirection(Qt::RightToLeft);
+        album.add("tree-right-to-left.png", panel);
+        panel.setLayoutDirection(Qt::LeftToRight);
+        panel.getTree().setHideFields(true);
+        album.add("tree-hidden-fields.png", panel);
+    }
+
     /// Lets the timers run that end an animation of no length.
     static void settle()
     {

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QPalette>
 #include <QStyle>
+#include <QWidget>
 
 namespace Explorer {
 
@@ -46,12 +47,13 @@ QPalette darkPalette()
 
 void setDarkStyle(bool dark)
 {
-    // A sheet that goes gives some widgets the palette back that they had when it came: the new
-    // palette must come last, and on no sheet.
     qApp->setStyleSheet({});
     qApp->setPalette(dark ? darkPalette() : qApp->style()->standardPalette());
     if (dark)
         qApp->setStyleSheet(QLatin1String(darkSheet));
+    // A sheet that comes or goes leaves some widgets with the palette that they had before.
+    for (QWidget *widget : QApplication::allWidgets())
+        widget->setPalette(QApplication::palette(widget));
 }
 
 } // namespace Explorer

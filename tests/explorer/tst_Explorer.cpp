@@ -20,10 +20,20 @@ private slots:
 
 namespace {
 
-const QStringList pictures = {
-    "drag-pixmap.png",     "graph-back-links.png", "graph-dark.png", "graph-disabled.png",
-    "graph-drop.png",      "graph-revealed.png",   "graph-row.png",  "graph-scale2.png",
-    "graph-selection.png", "graph-start.png",      "window.png"};
+const QStringList pictures = {"drag-pixmap.png",
+                              "graph-back-links.png",
+                              "graph-dark.png",
+                              "graph-disabled.png",
+                              "graph-drop.png",
+                              "graph-revealed.png",
+                              "graph-row.png",
+                              "graph-scale2.png",
+                              "graph-selection.png",
+                              "graph-start.png",
+                              "tree-hidden-fields.png",
+                              "tree-right-to-left.png",
+                              "tree.png",
+                              "window.png"};
 
 struct Run {
     int exitCode;

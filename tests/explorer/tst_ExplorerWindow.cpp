@@ -58,6 +58,7 @@ private slots:
     void secondWindowSharesTheModel();
     void rightClickOpensTheMenu();
     void logTellsSignals();
+    void darkStyleGoesAgain();
 
 private:
     static void act(ExplorerWindow &in, char const *text)
@@ -181,6 +182,19 @@ void tst_ExplorerWindow::logTellsSignals()
     QVERIFY(log->toPlainText().contains("sigSel"));
     window->getPage().clear();
     QVERIFY(log->toPlainText().contains("sigRemoveNode  2 objects"));
+}
+
+void tst_ExplorerWindow::darkStyleGoesAgain()
+{
+    auto *const log = window->findChild<SignalLog *>();
+    const QColor before = log->palette().color(QPalette::Base);
+    act(*window, "Dark style");
+    QVERIFY(log->palette().color(QPalette::Base) != before);
+    act(*window, "Dark style");
+    QCOMPARE(log->palette().color(QPalette::Base), before);
+    for (QWidget const *widget : window->findChildren<QWidget *>())
+        QVERIFY2(widget->palette().color(QPalette::Window).lightness() > 128,
+                 widget->metaObject()->className());
 }
 
 QTEST_MAIN(tst_ExplorerWindow)
