@@ -180,7 +180,7 @@ public:
     }
     void key(int key, Qt::KeyboardModifiers modifiers = {})
     {
-        QTest::keyClick(viewport(), Qt::Key(key), modifiers);
+        QTest::keyClick(view(), Qt::Key(key), modifiers);
     }
     /// The point of a row's expander, in left-to-right reading.
     QPoint expander(std::string const &name, int level)
