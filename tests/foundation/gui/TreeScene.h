@@ -286,6 +286,9 @@ protected:
             scene.tell("update " + shownItem->text + (wanted ? " wanted" : ""));
         const bool makesChildren =
             (wanted && (this->isOpen() || this->isHidden()) && !shownItem->countOnly) || !counted;
+        // The view may be gone by what the scene did with the news.
+        if (!scene.view())
+            return;
         this->setText(shownItem->text);
         if (makesChildren)
             makeChildren();

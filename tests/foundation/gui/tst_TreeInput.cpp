@@ -52,7 +52,7 @@ private slots:
     void closingTakesSelectionAndCurrentRowAlong();
     void asteriskOpensABranchWithoutEnd();
     void typingFindsRows();
-    void typingWaitsForNoRowThatDies();
+    void typingSurvivesRowsThatDie();
     void theCurrentRowIsScrolledTo();
     void doubleClickOpensOrConfirms();
     void enterConfirms();
@@ -316,7 +316,7 @@ void tst_TreeInput::typingFindsRows()
     QCOMPARE(scene->current(), std::string("a b"));
 }
 
-void tst_TreeInput::typingWaitsForNoRowThatDies()
+void tst_TreeInput::typingSurvivesRowsThatDie()
 {
     const auto scene = makeScene({item("a"), opened(item("b", items("x", 200)))});
     scene->view()->resize(200, 5 * scene->view()->getRowHeight());

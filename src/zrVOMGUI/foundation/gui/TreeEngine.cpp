@@ -152,6 +152,7 @@ void TreeEngine::requestLayout()
 {
     if (!view || settling)
         return;
+    layoutStale = true;
     view->viewport()->update();
     if (layoutPosted || !view->isVisible())
         return;

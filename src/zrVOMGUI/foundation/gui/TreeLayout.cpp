@@ -30,8 +30,9 @@ bool TreeEngine::settle()
 {
     if (!view)
         return false;
-    if (settling || updating)
+    if (settling || updating || !layoutStale)
         return true;
+    layoutStale = false;
     {
         const LockBool lock(settling);
         ++pass;

@@ -42,6 +42,16 @@ bool TreeRow::isViewAlive() const
     return engine && engine->getView();
 }
 
+bool TreeRow::isAnyUpdating() const
+{
+    return engine && engine->isUpdating();
+}
+
+void TreeRow::bury(std::shared_ptr<void> rows)
+{
+    engine->bury(std::move(rows));
+}
+
 bool TreeRow::isRoot() const
 {
     return engine && engine->isRoot(*this);

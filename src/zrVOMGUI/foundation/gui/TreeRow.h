@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ZR::GUI {
@@ -88,6 +89,10 @@ protected:
     /// Whether a row can be a child of this one: it lies in no other row, belongs to the same view
     /// and isn't this row or an ancestor of it.
     bool canAdopt(TreeRow &child) const;
+    /// What is left over of rows that were children: dies at once or, while any onUpdate() runs,
+    /// which may be that of one of them, after it.
+    template <class Handle>
+    void drop(std::vector<Handle> &&rows);
     /// The new children in place of none. Each canAdopt(), and none is there twice.
     void putChildren(std::vector<TreeRow *> &&children);
 
@@ -96,6 +101,8 @@ private:
 
     enum class Listed : std::uint8_t { Nowhere, Loose, Due, Parked };
 
+    bool isAnyUpdating() const;
+    void bury(std::shared_ptr<void> rows);
     void mark(bool structure);
     void attach(TreeEngine &viewEngine);
     void adopted(TreeRow &newParent, std::size_t pos);
@@ -150,6 +157,15 @@ void destroyRows(std::vector<Handle> &&rows)
         for (Handle &child : row->releaseChildRows())
             dying.push_back(std::move(child));
     }
+}
+
+template <class Handle>
+void TreeRow::drop(std::vector<Handle> &&rows)
+{
+    if (!rows.empty() && isAnyUpdating())
+        bury(std::make_shared<std::vector<Handle>>(std::move(rows)));
+    else
+        destroyRows(std::move(rows));
 }
 
 } // namespace ZR::GUI

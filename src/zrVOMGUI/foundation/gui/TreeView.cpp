@@ -141,8 +141,8 @@ void TreeViewRow::setChildRows(std::vector<std::shared_ptr<TreeViewRow>> &&rows)
         child.ownerRef = std::move(row);
     }
     putChildren(std::move(children));
-    destroyRows(std::move(rows));
-    destroyRows(std::move(old));
+    drop(std::move(rows));
+    drop(std::move(old));
 }
 
 } // namespace ZR::GUI

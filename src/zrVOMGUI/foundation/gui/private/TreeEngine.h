@@ -93,6 +93,7 @@ public:
     void leaveView();
     /// Rows that die as soon as no onUpdate() runs, which may be that of one of them.
     void bury(std::shared_ptr<void> rows);
+    bool isUpdating() const { return updating > 0; }
 
     // Told by rows.
     void list(TreeRow &row, TreeRow::Listed where);
@@ -249,7 +250,7 @@ private:
     int updating = 0; // Calls of onUpdate() that run.
     bool settling = false, layoutPosted = false;
     bool again = false; // A row was marked while the layout ran.
-    bool linesStale = true, widthStale = true, metricsStale = true;
+    bool layoutStale = true, linesStale = true, widthStale = true, metricsStale = true;
     std::uint32_t pass = 0;
 
     int rowHeight = 1, indent = 20, contentWidth = 0;

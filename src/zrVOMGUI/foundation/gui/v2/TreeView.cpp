@@ -128,8 +128,8 @@ void TreeView::Row::setChildRows(std::vector<std::unique_ptr<Row>> &&rows)
             children.push_back(row.release());
     }
     putChildren(std::move(children));
-    destroyRows(std::move(rows));
-    destroyRows(std::move(old));
+    drop(std::move(rows));
+    drop(std::move(old));
 }
 
 } // namespace ZR::GUI::V2
