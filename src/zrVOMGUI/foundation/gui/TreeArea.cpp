@@ -1,5 +1,6 @@
 #include "zrVOMGUI/foundation/gui/TreeArea.h"
 
+#include "zrVOMGUI/foundation/gui/private/TreeAccessible.h"
 #include "zrVOMGUI/foundation/gui/private/TreeEngine.h"
 
 #include <QEvent>
@@ -14,6 +15,7 @@ TreeArea::TreeArea(QWidget *parent, TreeHooks *hooks)
     : QAbstractScrollArea(parent)
     , engine(new TreeEngine(*this, std::unique_ptr<TreeHooks>(hooks)))
 {
+    installTreeAccessibility();
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_InputMethodEnabled, false);
     viewport()->setBackgroundRole(QPalette::Base);

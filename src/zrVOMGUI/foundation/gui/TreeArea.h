@@ -61,6 +61,8 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
+    friend class TreeAreaAccessible;
+
     TreeEngine *const engine; // One reference of it. It ends with the last of the rows.
 };
 

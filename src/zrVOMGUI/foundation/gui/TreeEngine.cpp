@@ -65,6 +65,7 @@ void TreeEngine::leaveView()
 {
     if (!view)
         return;
+    forgetAccessibles();
     drag.abandon();
     editTimer.stop();
     hoverOpenTimer.stop();
@@ -132,6 +133,7 @@ void TreeEngine::adopt(TreeRow &row)
 
 void TreeEngine::forget(TreeRow &row)
 {
+    forgetAccessible(&row);
     unlist(row);
     if (row.selected)
         setSelected(row, false);
@@ -163,7 +165,8 @@ void TreeEngine::requestLayout()
 void TreeEngine::layoutRequested()
 {
     layoutPosted = false;
-    settle();
+    if (settle())
+        tellSelection();
 }
 
 void TreeEngine::marked()

@@ -264,7 +264,13 @@ void TreeEngine::updateScrollBars()
     QScrollBar &horizontal = *view->horizontalScrollBar();
     horizontal.setSingleStep(indent);
     horizontal.setPageStep(size.width());
-    horizontal.setRange(0, std::max(0, contentWidth - size.width()));
+    horizontal.setRange(0, isElided() ? 0 : std::max(0, contentWidth - size.width()));
+}
+
+/// What is too wide can't be scrolled to.
+bool TreeEngine::isElided() const
+{
+    return view->horizontalScrollBarPolicy() == Qt::ScrollBarAlwaysOff;
 }
 
 TreeRow *TreeEngine::findRow(QPoint const &content)
@@ -305,7 +311,7 @@ QRect TreeEngine::itemRect(TreeRow const &row, std::size_t line)
 {
     const QRect whole = lineRect(line);
     const int left = contentLeft() + (levelOf(row) + 1) * indent;
-    const int right = contentLeft() + std::max(contentWidth, whole.width());
+    const int right = contentLeft() + std::max(isElided() ? 0 : contentWidth, whole.width());
     const QRect rect(left, whole.y(), std::max(0, right - left), rowHeight);
     return QStyle::visualRect(view->layoutDirection(), whole, rect);
 }

@@ -20,6 +20,7 @@ bool TreeEngine::setSelected(TreeRow &row, bool selected)
         selection[row.selIndex] = selection.back();
         selection.pop_back();
     }
+    selChanged = true;
     lookChanged(row);
     return true;
 }

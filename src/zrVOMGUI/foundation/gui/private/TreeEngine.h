@@ -12,8 +12,9 @@
 #include <QPointer>
 #include <QRect>
 
-#include <functional>
+#include <unordered_map>
 
+class QAccessibleInterface;
 class QStyleOptionViewItem;
 
 namespace ZR::GUI {
@@ -67,6 +68,7 @@ public:
         Ref(Ref const &) = delete;
         Ref &operator=(Ref const &) = delete;
         TreeEngine *operator->() const { return &engine; }
+        TreeEngine &get() const { return engine; }
 
     private:
         TreeEngine &engine;
@@ -177,6 +179,11 @@ public:
     void dragLeave();
     void drop(QDropEvent &event);
 
+    // Accessibility.
+    QAccessibleInterface *accessible(TreeRow *row);
+    /// The row that it stands for; null for interfaces of others.
+    TreeRow *rowOf(QAccessibleInterface const *iface) const;
+
     /// Opens or closes as a user does: what is closed over loses selection and current row.
     void toggle(TreeRow &row, bool newOpen);
 
@@ -194,6 +201,7 @@ private:
     void updateScrollBars();
     int itemWidth(TreeRow const &row);
     int contentLeft() const;
+    bool isElided() const;
     std::pair<std::size_t, std::size_t> shownLines();
 
     // Painting.
@@ -211,7 +219,6 @@ private:
     void selectRange(TreeRow &from, TreeRow &to);
     void setCurrent(TreeRow *row);
     TreeRow *shownCurrent() const;
-    void tellFocus();
     bool isBelow(TreeRow const &row, TreeRow const &ancestor) const;
     bool isBefore(TreeRow const &left, TreeRow const &right) const;
 
@@ -236,6 +243,12 @@ private:
     void setDropPlace(DropPlace const &place);
     void autoScroll();
 
+    // Accessibility.
+    void forgetAccessible(TreeRow *row);
+    void forgetAccessibles();
+    void tellFocus();
+    void tellSelection();
+
     std::size_t refs = 1;
     QAbstractScrollArea *view;
     std::unique_ptr<TreeHooks> hooks;
@@ -256,6 +269,9 @@ private:
     int rowHeight = 1, indent = 20, contentWidth = 0;
 
     TreeRowWatch current, anchor, hover;
+
+    std::unordered_map<TreeRow *, unsigned int> accessibles; // Identifiers of their interfaces.
+    bool selChanged = false;                                 // And not yet told.
 
     // From a press on.
     TreeRowWatch pressed;

@@ -1,0 +1,138 @@
+#include "foundation/gui/TreeScene.h"
+
+#include <QAccessible>
+
+using namespace TreeTest;
+
+namespace {
+
+std::vector<ItemPtr> letters()
+{
+    return {opened(item("a", {item("b"), item("c", {item("d")})})), item("e")};
+}
+
+QAccessibleInterface *treeOf(Scene &scene)
+{
+    return QAccessible::queryAccessibleInterface(scene.view());
+}
+
+/// Name, level and state of each line.
+std::string heard(Scene &scene)
+{
+    std::string text;
+    QAccessibleInterface &tree = *treeOf(scene);
+    for (int i = 0; i < tree.childCount(); ++i) {
+        QAccessibleInterface &row = *tree.child(i);
+        const QAccessible::State state = row.state();
+        text += (i ? "; " : "") + row.text(QAccessible::Name).toStdString() + ' ' +
+                row.text(QAccessible::Description).toStdString() +
+                (state.expanded ? " expanded" : "") + (state.collapsed ? " collapsed" : "") +
+                (state.selected ? " selected" : "") + (state.focused ? " focused" : "");
+    }
+    return text;
+}
+
+} // namespace
+
+/// What assistive programs hear of a tree.
+class tst_TreeAccessible : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase_data() { addGenerations(); }
+
+    void tellsTextLevelAndState();
+    void rowsHaveTheirPlaces();
+    void rowsAreTheSameWhenAskedAgain();
+    void actionsToggleAndFocus();
+    void nothingLiesOutside();
+    void interfacesEndWithTheirRows();
+    void interfacesEndWithTheView();
+};
+
+void tst_TreeAccessible::tellsTextLevelAndState()
+{
+    const auto scene = makeScene(letters());
+    scene->click("b");
+    QCOMPARE(treeOf(*scene)->role(), QAccessible::Tree);
+    QCOMPARE(treeOf(*scene)->child(0)->role(), QAccessible::TreeItem);
+    QCOMPARE(heard(*scene), std::string("a Level 1 expanded; b Level 2 selected focused; "
+                                        "c Level 2 collapsed; e Level 1"));
+    scene->row("c").setOpen(true);
+    scene->click("e");
+    QCOMPARE(heard(*scene),
+             std::string("a Level 1 expanded; b Level 2; c Level 2 expanded; d Level 3; "
+                         "e Level 1 selected focused"));
+}
+
+void tst_TreeAccessible::rowsHaveTheirPlaces()
+{
+    const auto scene = makeScene(letters());
+    QAccessibleInterface &tree = *treeOf(*scene);
+    for (int i = 0; i < tree.childCount(); ++i) {
+        QAccessibleInterface *const row = tree.child(i);
+        QCOMPARE(tree.indexOfChild(row), i);
+        QCOMPARE(row->parent(), &tree);
+        const QPoint center = row->rect().center();
+        QCOMPARE(tree.childAt(center.x(), center.y()), row);
+        QVERIFY(!row->state().offscreen);
+    }
+    scene->click("c");
+    QCOMPARE(tree.focusChild(), tree.child(2));
+}
+
+void tst_TreeAccessible::rowsAreTheSameWhenAskedAgain()
+{
+    const auto scene = makeScene(letters());
+    QCOMPARE(treeOf(*scene)->child(1), treeOf(*scene)->child(1));
+    QVERIFY(treeOf(*scene)->child(1) != treeOf(*scene)->child(2));
+}
+
+void tst_TreeAccessible::actionsToggleAndFocus()
+{
+    const auto scene = makeScene(letters());
+    QAccessibleInterface &tree = *treeOf(*scene);
+    QAccessibleActionInterface *const row = tree.child(2)->actionInterface();
+    QVERIFY(row);
+    QCOMPARE(row->actionNames(), QStringList({QAccessibleActionInterface::toggleAction(),
+                                              QAccessibleActionInterface::setFocusAction()}));
+    row->doAction(QAccessibleActionInterface::toggleAction());
+    QCOMPARE(scene->lines(), std::string("a b c d e"));
+    row->doAction(QAccessibleActionInterface::setFocusAction());
+    QCOMPARE(scene->current(), std::string("c"));
+    QCOMPARE(tree.child(1)->actionInterface()->actionNames().size(), 1);
+}
+
+void tst_TreeAccessible::nothingLiesOutside()
+{
+    const auto scene = makeScene(letters());
+    QAccessibleInterface &tree = *treeOf(*scene);
+    QCOMPARE(tree.childCount(), 4);
+    QVERIFY(!tree.child(-1));
+    QVERIFY(!tree.child(4));
+    QVERIFY(!tree.childAt(-1000, -1000));
+    QCOMPARE(tree.indexOfChild(&tree), -1);
+    const auto other = makeScene(letters());
+    QCOMPARE(tree.indexOfChild(treeOf(*other)->child(0)), -1);
+}
+
+void tst_TreeAccessible::interfacesEndWithTheirRows()
+{
+    const auto scene = makeScene(letters());
+    const QAccessible::Id id = QAccessible::uniqueId(treeOf(*scene)->child(1));
+    QVERIFY(QAccessible::accessibleInterface(id));
+    scene->find("a")->dropChildren();
+    QVERIFY(!QAccessible::accessibleInterface(id));
+    QCOMPARE(treeOf(*scene)->childCount(), 2);
+}
+
+void tst_TreeAccessible::interfacesEndWithTheView()
+{
+    const auto scene = makeScene(letters());
+    const QAccessible::Id id = QAccessible::uniqueId(treeOf(*scene)->child(1));
+    scene->destroyView();
+    QVERIFY(!QAccessible::accessibleInterface(id));
+}
+
+QTEST_MAIN(tst_TreeAccessible)
+#include "tst_TreeAccessible.moc"
