@@ -20,6 +20,8 @@ private slots:
     void asksOncePerLayoutHoweverManyMarks();
     void asksParentsBeforeChildren();
     void asksOnlyWhatIsInSight();
+    void allInSightAreAskedInOneLayout();
+    void hiddenRowsOfClosedRowsAreAsked();
     void rowsThatStayKeepTheirState();
     void selectionKeepsTheOrderOfTheTree();
     void selectionForgetsRowsThatDie();
@@ -136,6 +138,41 @@ void tst_TreeView::asksOnlyWhatIsInSight()
     scene->findRow({0, 0});
     QVERIFY(scene->log.size() < 15);
     QCOMPARE(scene->log.front(), std::string("update x5000 wanted"));
+}
+
+/// Rows that appear while others are asked are in sight, too.
+void tst_TreeView::allInSightAreAskedInOneLayout()
+{
+    std::vector<ItemPtr> top;
+    for (int i = 0; i < 8; ++i)
+        top.push_back(hiddenItem(item("h" + std::to_string(i), items("x" + std::to_string(i), 2))));
+    const auto scene = makeScene(top, false);
+    scene->findRow({0, 0});
+    for (int i = 0; i < 8; ++i)
+        QVERIFY(!scene->row("x" + std::to_string(i) + "1").getText().isEmpty());
+}
+
+/// What stands in the place of hidden rows decides whether a closed row can be opened.
+void tst_TreeView::hiddenRowsOfClosedRowsAreAsked()
+{
+    std::vector<ItemPtr> top;
+    for (int i = 0; i < 8; ++i) {
+        const std::string name = std::to_string(i);
+        top.push_back(opened(item("a" + name, {hiddenItem(item("h" + name, {item("x" + name)}))})));
+    }
+    const auto scene = makeScene(top, false);
+    scene->findRow({0, 0});
+    for (int i = 0; i < 8; ++i)
+        scene->row("a" + std::to_string(i)).setOpen(false);
+    for (int i = 0; i < 8; ++i) {
+        const std::string name = std::to_string(i);
+        QCOMPARE(scene->row("a" + name).getText(), QString::fromStdString("a" + name));
+        scene->find("h" + name)->item().children.push_back(item("y" + name));
+        scene->find("h" + name)->rebuild();
+    }
+    scene->findRow({0, 0});
+    for (int i = 0; i < 8; ++i)
+        QVERIFY(scene->find("y" + std::to_string(i)));
 }
 
 void tst_TreeView::rowsThatStayKeepTheirState()

@@ -18,7 +18,7 @@ namespace ZR::GUI {
 
 namespace {
 
-/// Rounds of one layout: scroll bars come and go, which changes what is in sight.
+/// Rounds of one layout in which only scroll bars come and go, which changes what is in sight.
 constexpr int maxRounds = 4;
 
 } // namespace
@@ -39,6 +39,7 @@ bool TreeEngine::settle()
         again = false;
         measure();
         for (int round = 0; round < maxRounds; ++round) {
+            const std::size_t updatesBefore = numUpdates;
             if (!updateStructure())
                 return false;
             if (linesStale) {
@@ -49,6 +50,9 @@ bool TreeEngine::settle()
                 return false;
             if (!linesStale && due.empty())
                 break;
+            // Each row is updated once, so that only rounds without updates need a limit.
+            if (numUpdates != updatesBefore)
+                round = 0;
         }
     }
     if (again) {
@@ -66,6 +70,7 @@ bool TreeEngine::updateRow(TreeRow &row, bool wanted)
     row.stale = false;
     row.updatePass = pass;
     unlist(row);
+    ++numUpdates;
     ++updating;
     tryCatch("ZR::GUI::TreeRow::onUpdate", [&] { row.onUpdate(wanted); });
     if (!--updating)

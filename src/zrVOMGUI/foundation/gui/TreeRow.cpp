@@ -162,18 +162,18 @@ std::size_t TreeRow::getLines() const
     return (hidden ? 0 : 1) + (isExpanding() ? getLinesBelow() : 0);
 }
 
-/// This row takes `change` lines more in its parent.
+/// This row takes `change` lines more in its parent. Inside of a closed row that moves nothing.
 void TreeRow::addOwnLines(std::ptrdiff_t change)
 {
     TreeRow *row = this;
-    while (change && row->attached && row->rowParent) {
+    while (change && row->attached) {
         TreeRow *const above = row->rowParent;
         above->branch->add(row->rowIndex, change);
         if (!above->isExpanding())
-            break;
+            return;
         row = above;
     }
-    if (engine && change)
+    if (change && row->isRoot())
         engine->linesChanged();
 }
 
@@ -182,8 +182,6 @@ void TreeRow::addLines(std::ptrdiff_t change)
 {
     if (isExpanding())
         addOwnLines(change);
-    if (engine)
-        engine->linesChanged();
 }
 
 std::vector<TreeRow *> TreeRow::takeChildren()
@@ -228,11 +226,10 @@ void TreeRow::adopted(TreeRow &newParent, std::size_t pos)
 void TreeRow::putChildren(std::vector<TreeRow *> &&children)
 {
     numChildren = children.size();
-    if (children.empty()) {
-        if (engine)
-            engine->linesChanged();
+    if (engine)
+        engine->lookChanged(*this);
+    if (children.empty())
         return;
-    }
     branch = std::make_unique<TreeBranch>(std::move(children));
     for (std::size_t pos = 0; pos < branch->rows.size(); ++pos) {
         TreeRow &child = *branch->rows[pos];

@@ -260,7 +260,8 @@ private:
     std::vector<TreeRow *> loose, due, parked;
     std::vector<TreeRow *> selection;
     std::vector<std::shared_ptr<void>> buried;
-    int updating = 0; // Calls of onUpdate() that run.
+    int updating = 0;           // Calls of onUpdate() that run.
+    std::size_t numUpdates = 0; // All that ever ran.
     bool settling = false, layoutPosted = false;
     bool again = false; // A row was marked while the layout ran.
     bool layoutStale = true, linesStale = true, widthStale = true, metricsStale = true;
