@@ -64,6 +64,7 @@ private slots:
     void eventsDoNotWalkOverSiblings_data();
     void eventsDoNotWalkOverSiblings();
     void onlyRowsInSightAreAsked();
+    void everythingIsSelectedInATrice();
     void rowsAreSmall();
 };
 
@@ -137,6 +138,21 @@ void tst_TreeSpeed::onlyRowsInSightAreAsked()
     view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum());
     view.findRow({0, 0});
     QVERIFY(ManyRow::numUpdates < 200);
+}
+
+void tst_TreeSpeed::everythingIsSelectedInATrice()
+{
+    ManyView view(1000000);
+    view.show();
+    view.findRow({0, 0});
+    QElapsedTimer timer;
+    timer.start();
+    QTest::keyClick(&view, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(view.getSel().size(), std::size_t(1000000));
+    QTest::keyClick(&view, Qt::Key_Down);
+    QCOMPARE(view.getSel().size(), std::size_t(1));
+    qInfo("Selecting and deselecting 1,000,000 rows takes %lld ms", timer.elapsed());
+    QVERIFY(timer.elapsed() < 5000);
 }
 
 void tst_TreeSpeed::rowsAreSmall()

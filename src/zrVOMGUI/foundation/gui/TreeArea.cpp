@@ -17,7 +17,6 @@ TreeArea::TreeArea(QWidget *parent, TreeHooks *hooks)
 {
     installTreeAccessibility();
     setFocusPolicy(Qt::StrongFocus);
-    setAttribute(Qt::WA_InputMethodEnabled, false);
     viewport()->setBackgroundRole(QPalette::Base);
     viewport()->setMouseTracking(true);
     viewport()->setAttribute(Qt::WA_Hover);
@@ -82,7 +81,9 @@ void TreeArea::resizeEvent(QResizeEvent *event)
 void TreeArea::changeEvent(QEvent *event)
 {
     QAbstractScrollArea::changeEvent(event);
-    engine->metricsChanged();
+    const QEvent::Type type = event->type();
+    if (type == QEvent::FontChange || type == QEvent::StyleChange)
+        engine->metricsChanged();
 }
 
 void TreeArea::paintEvent(QPaintEvent *event)

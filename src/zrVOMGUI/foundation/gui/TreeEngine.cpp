@@ -154,7 +154,9 @@ void TreeEngine::requestLayout()
 {
     if (!view || settling)
         return;
-    layoutStale = true;
+    // One is on its way.
+    if (std::exchange(layoutStale, true) && layoutPosted)
+        return;
     view->viewport()->update();
     if (layoutPosted || !view->isVisible())
         return;
