@@ -638,7 +638,8 @@ private:
         OwnedRows rows;
         for (Class *item : shown) {
             // A host that is told of a new row may let items die.
-            if (item && std::find(items.begin(), items.end(), item) == items.end())
+            const bool itemsChanged = dirty;
+            if (itemsChanged && item && std::find(items.begin(), items.end(), item) == items.end())
                 continue;
             OwnedRow row = old.take(item);
             if (!row)

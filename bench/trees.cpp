@@ -1,0 +1,126 @@
+// What the tree costs on one list of 10,000, 100,000 and 1,000,000 objects.
+//
+//     ./run bench trees [--largest OBJECTS]
+//
+// A row for each operation and size: the median time in milliseconds, and the growth from the size
+// before, which is ten times smaller.
+//
+// - add closed: the list's owner becomes a top row.
+// - open: the list's row is opened and painted for the first time, which makes all rows.
+// - paint, scroll, hit test, select: with the list open; scroll goes anywhere and paints.
+// - replace one, replace hundred: so many changes of one value each, and one paint.
+// - closed objects: so many top rows, added and painted.
+
+#include "support/Table.h"
+
+#include "zrVOMGUI/trees/ObjectTreeView.h"
+
+#include <QApplication>
+#include <QScrollBar>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <random>
+
+namespace {
+
+using namespace ZR::VOM;
+using ZR::PtrT;
+using ZR::RefT;
+using Objects = std::vector<RefT<Object>>;
+
+class Tree : public GUI::ObjectTreeView {
+public:
+    using ObjectTreeView::makeRow;
+};
+
+Objects makeObjects(unsigned num)
+{
+    Objects objects;
+    objects.reserve(num);
+    for (unsigned i = 0; i < num; ++i) {
+        objects.emplace_back(new Object);
+        addField<FieldString>(*objects.back(), "name", std::to_string(i));
+    }
+    return objects;
+}
+
+std::unique_ptr<Tree> makeTree()
+{
+    auto tree = std::make_unique<Tree>();
+    tree->setNameField("name");
+    tree->resize(500, 700);
+    tree->show();
+    tree->grab();
+    return tree;
+}
+
+void measure(unsigned num, Table &table)
+{
+    constexpr int repeat = 9;
+    const RefT<Object> owner(new Object);
+    MFieldRef &list = addField<MFieldRef>(*owner, "list", makeObjects(num));
+    Path path{PtrT<Object>(owner)};
+    path.pushField(list);
+
+    table.add("add closed", num, timesOf(repeat, [&] {
+                  const auto tree = makeTree();
+                  tree->addRow(owner, 0);
+                  tree->grab();
+              }));
+    std::unique_ptr<Tree> tree;
+    table.add("open", num, timesOf(1, [&] {
+                  tree = makeTree();
+                  tree->addRow(owner, 0);
+                  tree->makeRow(Path(PtrT<Object>(owner)), false)->setOpen(true);
+                  tree->makeRow(path, false)->setOpen(true);
+                  tree->grab();
+              }));
+    table.add("paint", num, timesOf(repeat, [&] { tree->grab(); }));
+    std::mt19937 generator(1);
+    QScrollBar &bar = *tree->verticalScrollBar();
+    table.add("scroll", num, timesOf(repeat, [&] {
+                  bar.setValue(int(generator() % unsigned(bar.maximum() + 1)));
+                  tree->grab();
+              }));
+    table.add("hit test", num, timesOf(repeat, [&] {
+                  const int y = int(generator() % unsigned(bar.maximum() + 1));
+                  tree->ZR::GUI::TreeView::setSel({tree->findRow({10, y})});
+              }));
+    table.add("replace one", num, timesOf(3, [&] {
+                  list.replace(num / 2, 1, makeObjects(1));
+                  tree->grab();
+              }));
+    table.add("replace hundred", num, timesOf(3, [&] {
+                  for (unsigned i = 0; i < 100; ++i)
+                      list.replace(i, 1, makeObjects(1));
+                  tree->grab();
+              }));
+    const std::vector<PtrT<Object>> closed(list.getAll().begin(), list.getAll().end());
+    tree.reset();
+    table.add("closed objects", num, timesOf(1, [&] {
+                  const auto many = makeTree();
+                  many->addRows(closed, 0);
+                  many->grab();
+              }));
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QApplication application(argc, argv);
+    unsigned largest = 1000000;
+    if (argc == 3 && std::strcmp(argv[1], "--largest") == 0) {
+        largest = static_cast<unsigned>(std::atoi(argv[2]));
+    } else if (argc != 1) {
+        std::fprintf(stderr, "bench_trees [--largest OBJECTS]\n");
+        return 1;
+    }
+    Table table;
+    for (unsigned num = 10000; num <= largest; num *= 10)
+        measure(num, table);
+    return 0;
+}
