@@ -290,13 +290,21 @@ protected:
         if (!scene.view())
             return;
         this->setText(shownItem->text);
-        if (makesChildren)
-            makeChildren();
-        else
+        if (!makesChildren)
             this->setNumChildRows(shownItem->children.size());
+        else if (!showsChildren())
+            makeChildren();
     }
 
 private:
+    bool showsChildren() const
+    {
+        auto const &wanted = shownItem->children;
+        bool same = this->getNumMadeChildRows() == wanted.size();
+        for (std::size_t i = 0; same && i < wanted.size(); ++i)
+            same = static_cast<TestRow &>(*this->getChildRow(i)).shownItem == wanted[i];
+        return same;
+    }
     void makeChildren()
     {
         typename Gen::Children old = this->releaseChildRows(), rebuilt;

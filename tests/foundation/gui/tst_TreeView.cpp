@@ -1,8 +1,89 @@
 #include "foundation/gui/TreeScene.h"
 
+#include <algorithm>
 #include <limits>
+#include <random>
 
 using namespace TreeTest;
+
+namespace {
+
+/// The lines of all that lies below an item, worked out from the model and the rows' flags.
+void addLines(Scene &scene, Item const &above, std::string &lines)
+{
+    for (ItemPtr const &child : above.children) {
+        RowAccess *const found = scene.find(child->text);
+        const bool hidden = found ? found->row().isHidden() : child->hidden;
+        const bool open = found ? found->row().isOpen() : child->open;
+        if (!hidden)
+            lines += (lines.empty() ? "" : " ") + child->text;
+        if (open || hidden)
+            addLines(scene, *child, lines);
+    }
+}
+
+/// Changes a model, and the rows that show it, as hosts and users do.
+class Editor {
+public:
+    Editor(Scene &edited, unsigned seed)
+        : scene(edited)
+        , random(seed)
+    {
+    }
+    void edit()
+    {
+        const ItemPtr chosen = choose();
+        RowAccess *const shown = chosen == scene.model ? scene.root : scene.find(chosen->text);
+        switch (draw(7)) {
+        case 0:
+        case 1:
+            add(*chosen);
+            break;
+        case 2:
+            if (!chosen->children.empty())
+                chosen->children.erase(chosen->children.begin() +
+                                       draw(int(chosen->children.size())));
+            break;
+        case 3:
+            std::shuffle(chosen->children.begin(), chosen->children.end(), random);
+            break;
+        case 4:
+        case 5:
+            if (shown)
+                shown->row().setOpen(!shown->row().isOpen());
+            return;
+        default:
+            if (shown && shown != scene.root)
+                shown->row().setHidden(!shown->row().isHidden());
+            return;
+        }
+        if (shown)
+            shown->rebuild();
+    }
+
+private:
+    int draw(int limit) { return int(random() % unsigned(limit)); }
+    ItemPtr choose()
+    {
+        ItemPtr chosen = scene.model;
+        while (!chosen->children.empty() && draw(3))
+            chosen = chosen->children[std::size_t(draw(int(chosen->children.size())))];
+        return chosen;
+    }
+    void add(Item &above)
+    {
+        const ItemPtr made = item("x" + std::to_string(++numMade));
+        made->open = !draw(2);
+        made->hidden = !draw(5);
+        above.children.insert(above.children.begin() + draw(int(above.children.size()) + 1), made);
+    }
+
+    Scene &scene;
+    std::mt19937 random;
+    int numMade = 0;
+};
+
+} // namespace
 
 /// The tree and its rows; what the user does has test programs of its own.
 class tst_TreeView : public QObject {
@@ -20,6 +101,7 @@ private slots:
     void asksOncePerLayoutHoweverManyMarks();
     void asksParentsBeforeChildren();
     void asksOnlyWhatIsInSight();
+    void rowsInsideOfClosedRowsWait();
     void allInSightAreAskedInOneLayout();
     void hiddenRowsOfClosedRowsAreAsked();
     void rowsThatStayKeepTheirState();
@@ -27,6 +109,8 @@ private slots:
     void selectionForgetsRowsThatDie();
     void tellsOfRowsThatDie();
     void rowTextIsSetFromOutside();
+    void randomEditsShowWhatTheModelHolds_data();
+    void randomEditsShowWhatTheModelHolds();
 };
 
 void tst_TreeView::showsOpenRowsInOrder()
@@ -140,6 +224,22 @@ void tst_TreeView::asksOnlyWhatIsInSight()
     QCOMPARE(scene->log.front(), std::string("update x5000 wanted"));
 }
 
+void tst_TreeView::rowsInsideOfClosedRowsWait()
+{
+    const auto scene = makeScene({opened(item("a", {opened(item("b", {item("c")}))}))});
+    scene->lines();
+    scene->row("a").setOpen(false);
+    scene->lines();
+    scene->logUpdates = true;
+    scene->find("b")->item().children.push_back(item("d"));
+    scene->find("b")->rebuild();
+    QCOMPARE(scene->lines(), std::string("a"));
+    QCOMPARE(scene->takeLog(), std::string());
+    scene->row("a").setOpen(true);
+    QCOMPARE(scene->lines(), std::string("a b c d"));
+    QCOMPARE(scene->takeLog(), std::string("update a wanted; update b wanted; update d wanted"));
+}
+
 /// Rows that appear while others are asked are in sight, too.
 void tst_TreeView::allInSightAreAskedInOneLayout()
 {
@@ -236,6 +336,35 @@ void tst_TreeView::rowTextIsSetFromOutside()
     scene->lines();
     scene->setRowText(scene->row("a"), "K\xC3\xA4se");
     QCOMPARE(scene->row("a").getText(), QString::fromUtf8("Käse"));
+}
+
+void tst_TreeView::randomEditsShowWhatTheModelHolds_data()
+{
+    QTest::addColumn<unsigned>("seed");
+    for (unsigned seed = 0; seed < 20; ++seed)
+        QTest::newRow(std::to_string(seed).c_str()) << seed;
+}
+
+void tst_TreeView::randomEditsShowWhatTheModelHolds()
+{
+    QFETCH(unsigned, seed);
+    const auto scene = makeScene({}, false);
+    Editor editor(*scene, seed);
+    for (int step = 0; step < 200; ++step) {
+        for (int edits = step % 3; edits >= 0; --edits)
+            editor.edit();
+        const std::string lines = scene->lines();
+        std::string expected;
+        addLines(*scene, *scene->model, expected);
+        QCOMPARE(lines, expected);
+        // All of them, and no more, can be scrolled to.
+        const auto numLines = std::count(lines.begin(), lines.end(), ' ') + !lines.empty();
+        scene->view()->resize(100, 3 * scene->view()->getRowHeight());
+        scene->findRow({0, 0});
+        QScrollBar const &bar = *scene->view()->verticalScrollBar();
+        QCOMPARE(bar.maximum(), std::max(0, int(numLines) * scene->view()->getRowHeight() -
+                                                scene->viewport()->height()));
+    }
 }
 
 QTEST_MAIN(tst_TreeView)

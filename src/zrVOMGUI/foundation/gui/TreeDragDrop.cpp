@@ -193,9 +193,11 @@ void TreeEngine::drop(QDropEvent &event)
     hooks->onDrop(event, place.row, place.index);
 }
 
-/// One line at a time, while the drag stays at the edge.
+/// One line at a time, while the drag stays at the edge. Where it would land is asked anew with
+/// its next move.
 void TreeEngine::autoScroll()
 {
+    setDropPlace({nullptr, TreeRow::npos, {}});
     QScrollBar &bar = *view->verticalScrollBar();
     bar.setValue(bar.value() + (dragPos.y() < rowHeight ? -rowHeight : rowHeight));
     settle();
