@@ -458,7 +458,7 @@ void tst_DragMisuse::iconsMayThrowWhileThePictureIsMade()
     Reports reports;
     QVERIFY(scene.drag('a'));
     QCOMPARE(reports.texts,
-             (std::vector<std::string>{"ZR::VOM::GUI::ObjectGraphView::makeDragPixmap: no icon"}));
+             (std::vector<std::string>{"ZR::VOM::GUI::makeItemListPixmap: no icon"}));
 }
 
 QTEST_MAIN(tst_DragMisuse)

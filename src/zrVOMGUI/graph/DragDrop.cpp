@@ -13,7 +13,6 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QPainter>
 #include <QPixmap>
 #include <QScrollBar>
 
@@ -26,10 +25,6 @@ namespace ZR::VOM::GUI {
 namespace {
 
 constexpr std::size_t maxPixmapRows = 16;
-/// Beyond it no window system shows anything: a label of a million characters takes no gigabytes.
-constexpr int maxPixmapEdge = 32767;
-/// The default colour of selected nodes, at half opacity.
-constexpr quint64 pixmapColor = 0x8080ffffe0e0c0c0;
 
 } // namespace
 
@@ -187,24 +182,7 @@ QPixmap ObjectGraphView::makeDragPixmap()
     const auto end =
         dragObjs.begin() + static_cast<std::ptrdiff_t>(std::min(dragObjs.size(), maxPixmapRows));
     const std::vector<RefT<Object>> rows(dragObjs.begin(), end);
-    const QSize size =
-        layoutItemList(rows, fieldName, typeName, false, font(), margin, margin, iconSize)
-            .boundedTo({maxPixmapEdge, maxPixmapEdge});
-    QPixmap pixmap(size * devicePixelRatioF());
-    if (pixmap.isNull())
-        return pixmap;
-    pixmap.setDevicePixelRatio(devicePixelRatioF());
-    pixmap.fill(QColor(QRgba64::fromRgba64(pixmapColor)));
-    QPainter painter(&pixmap);
-    painter.setFont(font());
-    painter.setBackground(palette().window());
-    painter.setPen(palette().color(QPalette::Text));
-    // The database may be replaced while it is asked.
-    const RefT<ObjectIconDB> icons = objIconDB;
-    tryCatch("ZR::VOM::GUI::ObjectGraphView::makeDragPixmap", [&] {
-        paintItemList(painter, rows, icons, fieldName, typeName, false, margin, margin, iconSize);
-    });
-    return pixmap;
+    return makeItemListPixmap(*this, rows, objIconDB, fieldName, typeName, margin, iconSize);
 }
 
 } // namespace ZR::VOM::GUI

@@ -1,9 +1,11 @@
 #include "zrVOMGUI/presentation/ItemLabel.h"
 
+#include "zrVOMGUI/foundation/util/Error.h"
 #include "zrVOMGUI/foundation/util/text.h"
 
 #include <QFontMetrics>
 #include <QPainter>
+#include <QWidget>
 
 #include <algorithm>
 #include <locale>
@@ -143,6 +145,36 @@ void paintItemList(QPainter &painter, std::vector<RefT<Object>> const &objects,
         painter.drawText(iconSize + 2 * marginX, textY, row.label);
         rowTop += row.height;
     }
+}
+
+QPixmap makeItemListPixmap(QWidget const &widget, std::vector<RefT<Object>> const &objects,
+                           RefT<ObjectIconDB> const &iconDB, std::string const &fieldName,
+                           bool typeName, int margin, int iconSize)
+{
+    // Beyond it no window system shows anything: a label of a million characters takes no
+    // gigabytes.
+    constexpr int maxEdge = 32767;
+    // The colour of selected nodes, at half opacity.
+    constexpr quint64 background = 0x8080ffffe0e0c0c0;
+    const QSize size =
+        layoutItemList(objects, fieldName, typeName, false, widget.font(), margin, margin, iconSize)
+            .boundedTo({maxEdge, maxEdge});
+    QPixmap pixmap(size * widget.devicePixelRatioF());
+    if (pixmap.isNull())
+        return pixmap;
+    pixmap.setDevicePixelRatio(widget.devicePixelRatioF());
+    pixmap.fill(QColor(QRgba64::fromRgba64(background)));
+    QPainter painter(&pixmap);
+    painter.setFont(widget.font());
+    painter.setBackground(widget.palette().window());
+    painter.setPen(widget.palette().color(QPalette::Text));
+    // The widget's lists and database may be replaced while the database is asked.
+    const std::vector<RefT<Object>> kept = objects;
+    const RefT<ObjectIconDB> keptDB = iconDB;
+    tryCatch("ZR::VOM::GUI::makeItemListPixmap", [&] {
+        paintItemList(painter, kept, keptDB, fieldName, typeName, false, margin, margin, iconSize);
+    });
+    return pixmap;
 }
 
 } // namespace ZR::VOM::GUI

@@ -4,6 +4,7 @@
 #include "zrVOMGUI/foundation/vom/Field.h"
 #include "zrVOMGUI/presentation/ObjectIconDB.h"
 
+#include <QPixmap>
 #include <QSize>
 
 #include <string>
@@ -11,6 +12,7 @@
 
 class QFont;
 class QPainter;
+class QWidget;
 
 namespace ZR::VOM::GUI {
 
@@ -64,5 +66,15 @@ ZRVOMGUI_EXPORT void paintItemList(QPainter &painter, std::vector<RefT<Object>> 
                                    RefT<ObjectIconDB> const &iconDB, std::string const &fieldName,
                                    bool typeName, bool address, int marginX, int marginY,
                                    int iconSize);
+
+/// What the mouse carries while objects are dragged out of a widget: the list as paintItemList()
+/// draws it, in the widget's font and text colour, half opaque, sharp on the widget's screen and at
+/// most 32,767 pixels a side. Null when there is nothing to show. An exception from the database
+/// goes to the error sink.
+ZRVOMGUI_EXPORT QPixmap makeItemListPixmap(QWidget const &widget,
+                                           std::vector<RefT<Object>> const &objects,
+                                           RefT<ObjectIconDB> const &iconDB,
+                                           std::string const &fieldName, bool typeName, int margin,
+                                           int iconSize);
 
 } // namespace ZR::VOM::GUI

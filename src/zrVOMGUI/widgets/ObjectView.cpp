@@ -11,7 +11,6 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QStyle>
 
 #include <iostream>
@@ -20,9 +19,6 @@
 namespace ZR::VOM::GUI {
 
 namespace {
-
-/// The colour of selected objects elsewhere, at half opacity.
-constexpr quint64 pixmapColor = 0x8080ffffe0e0c0c0;
 
 int iconSizeOf(QWidget const &widget)
 {
@@ -237,21 +233,8 @@ void ObjectView::moveAway()
 
 QPixmap ObjectView::makeDragPixmap() const
 {
-    const int iconSize = iconSizeOf(*this);
-    const QSize size = layoutItemList(dragObjs, fieldName, typeName, false, font(), 0, 0, iconSize);
-    QPixmap pixmap(size * devicePixelRatioF());
-    if (pixmap.isNull())
-        return pixmap;
-    pixmap.setDevicePixelRatio(devicePixelRatioF());
-    pixmap.fill(QColor(QRgba64::fromRgba64(pixmapColor)));
-    QPainter painter(&pixmap);
-    painter.setFont(font());
-    painter.setBackground(palette().window());
-    painter.setPen(palette().color(QPalette::Text));
-    tryCatch("ZR::VOM::GUI::ObjectView::makeDragPixmap", [&] {
-        paintItemList(painter, dragObjs, objIconDB, fieldName, typeName, false, 0, 0, iconSize);
-    });
-    return pixmap;
+    return makeItemListPixmap(*this, dragObjs, objIconDB, fieldName, typeName, 0,
+                              iconSizeOf(*this));
 }
 
 ObjectView::Dropped ObjectView::readDropped(QMimeData const &payload) const
