@@ -136,9 +136,10 @@ void ExplorerWindow::makeTree()
 {
     constexpr int width = 300;
     auto *const dock = new QDockWidget(tr("Sections"), this);
-    auto *const panel = new TreePanel(*model, dock);
-    connect(panel, &TreePanel::said, page, &GraphPage::said);
-    dock->setWidget(panel);
+    treePanel = new TreePanel(*model, dock);
+    connect(treePanel, &TreePanel::said, page, &GraphPage::said);
+    connect(treePanel, &TreePanel::packageChosen, page, &GraphPage::showPackage);
+    dock->setWidget(treePanel);
     addDockWidget(Qt::RightDockWidgetArea, dock);
     resizeDocks({dock}, {width}, Qt::Horizontal);
     viewMenu->addAction(dock->toggleViewAction());
@@ -148,7 +149,10 @@ void ExplorerWindow::makeLog()
 {
     constexpr int fewLines = 96;
     auto *const dock = new QDockWidget(tr("Signals"), this);
-    dock->setWidget(new SignalLog(page->getGraph(), dock));
+    auto *const log = new SignalLog(dock);
+    log->watch(page->getGraph());
+    log->watch(treePanel->getTree());
+    dock->setWidget(log);
     addDockWidget(Qt::BottomDockWidgetArea, dock);
     resizeDocks({dock}, {fewLines}, Qt::Vertical);
     viewMenu->addAction(dock->toggleViewAction());

@@ -13,6 +13,7 @@ class QToolBar;
 namespace Explorer {
 
 class GraphPage;
+class TreePanel;
 
 /// One window on a package model, which several windows may share.
 class ExplorerWindow : public QMainWindow {
@@ -24,6 +25,7 @@ public:
                    QWidget *parent = nullptr);
 
     GraphPage &getPage() { return *page; }
+    TreePanel &getTreePanel() { return *treePanel; }
     /// Begins with a package in its surroundings. An empty name leaves the choice to the window.
     void start(QString const &packageName);
 
@@ -50,6 +52,7 @@ private:
     const std::shared_ptr<PackageModel> model;
     const QString source;
     GraphPage *page;
+    TreePanel *treePanel = nullptr;
     QLabel *figures;
     QMenu *graphMenu = nullptr; // Serves as the graph's context menu, too.
     QMenu *viewMenu = nullptr;

@@ -1,5 +1,7 @@
 #include "PackageModel.h"
 
+#include "zrVOMGUI/foundation/util/Error.h"
+
 #include <algorithm>
 #include <iterator>
 #include <set>
@@ -48,9 +50,33 @@ Priority priorityOf(std::string const &name)
     return entry == priorities.end() ? Unknown : entry->second;
 }
 
+namespace {
+
+bool isText(std::string const &name)
+{
+    return !name.empty();
+}
+
+bool isWord(std::string const &name)
+{
+    return isText(name) && name.find_first_of(" \t\r\n") == std::string::npos;
+}
+
+} // namespace
+
+void Item::guardName(bool (*isGood)(std::string const &), char const *refusal)
+{
+    if (auto *const name = cast<FieldString>(findField("name")))
+        name->sigCanSet.connect([=](FieldString::SigCanSetData const &sigData) {
+            if (!isGood(*sigData.value))
+                throw ZR::Error(refusal);
+        });
+}
+
 Package::Package(PackageRecord const &record, PtrT<Maintainer> const &maintainer)
     : Item(record.name)
 {
+    guardName();
     ZR::VOM::addField<FieldString>(*this, "version", record.version);
     ZR::VOM::addField<FieldString>(*this, "summary", record.summary);
     ZR::VOM::addField<FieldReal>(*this, "size", record.installedSize);
@@ -58,6 +84,17 @@ Package::Package(PackageRecord const &record, PtrT<Maintainer> const &maintainer
     ZR::VOM::addField<MFieldPtr>(*this, "depends");
     ZR::VOM::addField<FieldPtr>(*this, "maintainer", maintainer);
     ZR::VOM::addField<FieldRef>(*this, "details", RefT<Object>(new Details(record.summary)));
+}
+
+Package::Package(Package const &other)
+    : Item(other)
+{
+    guardName();
+}
+
+void Package::guardName()
+{
+    Item::guardName(isWord, "A package needs a name without blanks.");
 }
 
 MFieldPtr *Package::getDepends() const
@@ -69,6 +106,18 @@ Section::Section(std::string const &sectionName, Objects const &packages)
     : Item(sectionName)
 {
     ZR::VOM::addField<MFieldRef>(*this, "packages", packages);
+    guardName();
+}
+
+Section::Section(Section const &other)
+    : Item(other)
+{
+    guardName();
+}
+
+void Section::guardName()
+{
+    Item::guardName(isText, "A section needs a name.");
 }
 
 Archive::Archive(std::string const &archiveName)
@@ -226,7 +275,16 @@ Objects PackageModel::getObjects() const
 RefT<Package> PackageModel::findPackage(std::string const &name) const
 {
     const auto entry = packagesByName.find(name);
-    return entry == packagesByName.end() ? RefT<Package>() : entry->second;
+    // A package may have been renamed, or lost its name, since it was entered.
+    if (entry != packagesByName.end()) {
+        std::string const &present = entry->second->getName();
+        if (present == name || present.empty())
+            return entry->second;
+    }
+    const auto renamed =
+        std::find_if(packages.begin(), packages.end(),
+                     [&](RefT<Package> const &package) { return package->getName() == name; });
+    return renamed == packages.end() ? RefT<Package>() : *renamed;
 }
 
 Objects PackageModel::getDependencies(Package const &package)

@@ -25,6 +25,8 @@ public:
 
 protected:
     Item(Item const &) = default;
+    /// Refuses to store names that aren't good, with an Error that says why.
+    void guardName(bool (*isGood)(std::string const &), char const *refusal);
 };
 
 /// Whoever looks after packages.
@@ -53,7 +55,7 @@ public:
 enum Priority { Unknown, Required, Important, Standard, Optional, Extra };
 Priority priorityOf(std::string const &name);
 
-/// An installed package, with fields of all kinds:
+/// An installed package, whose name has no blanks, with fields of all kinds:
 /// strings "name", "version" and "summary", a real "size" in KiB, an int "priority", a list
 /// "depends" that watches packages, a link "maintainer" that watches, and a link "details" that
 /// owns.
@@ -70,7 +72,8 @@ public:
     static ZR::VOM::ClassInfo const classInfo;
 
 private:
-    Package(Package const &) = default;
+    Package(Package const &other);
+    void guardName();
 };
 
 /// A group of packages, which it owns by its list "packages".
@@ -84,7 +87,8 @@ public:
     static ZR::VOM::ClassInfo const classInfo;
 
 private:
-    Section(Section const &) = default;
+    Section(Section const &other);
+    void guardName();
 };
 
 /// Owns all the rest, by its lists "sections" and "maintainers".

@@ -180,6 +180,59 @@ private:
     static constexpr int arrowSearch = 200;
 };
 
+/// The tree of sections. The second is opened, with its first package and what that depends on.
+class TreeSubject : public TreePanel {
+public:
+    explicit TreeSubject(PackageModel &shownModel)
+        : TreePanel(shownModel)
+    {
+        resize(420, 420);
+        // Where text is edited, a tree paints its cursor only in an active window.
+        QApplication::setActiveWindow(this);
+        show();
+        getTree().setFocus();
+        grab(); // Lays the rows out, which keys need.
+        for (Qt::Key key : {Qt::Key_Home, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right,
+                            Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right})
+            press(key);
+    }
+
+    /// Begins with the row below the current one.
+    void edit()
+    {
+        press(Qt::Key_Down);
+        press(Qt::Key_F2);
+    }
+
+    /// A package is dragged over the lower end of another.
+    void dragBetweenRows()
+    {
+        constexpr int rowsAbove = 6;
+        const Objects objects = {getModel().findPackage("libc6")};
+        mimeData.reset(ZR::VOM::GUI::createMimeData({}, &objects, nullptr));
+        const QPoint gap(2 * getTree().getRowHeight(), rowsAbove * getTree().getRowHeight() - 1);
+        QDragEnterEvent enter(gap, Qt::LinkAction, mimeData.get(), Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(getTree().viewport(), &enter);
+        QDragMoveEvent move(gap, Qt::LinkAction, mimeData.get(), Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(getTree().viewport(), &move);
+    }
+
+    void endDrag()
+    {
+        QDragLeaveEvent leave;
+        QApplication::sendEvent(getTree().viewport(), &leave);
+    }
+
+private:
+    void press(Qt::Key key)
+    {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(&getTree(), &event);
+    }
+
+    std::unique_ptr<QMimeData> mimeData;
+};
+
 /// What is taken pictures of.
 ///
 /// All of it is laid out before anything is painted or any timer runs: ties in the layout are
@@ -263,26 +316,29 @@ public:
         settle();
         start->fit();
         album.add("graph-scale2.png", *start);
+        TreeSubject tree(model);
+        album.add("tree-scale2.png", tree);
     }
 
 private:
-    /// The second section is opened, with its first package and what that depends on.
     void shootTree(Album &album)
     {
-        TreePanel panel(model);
-        panel.resize(420, 420);
-        panel.grab(); // Lays the rows out, which keys need.
-        for (Qt::Key key : {Qt::Key_Home, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right,
-                            Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right}) {
-            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
-            QApplication::sendEvent(&panel.getTree(), &press);
-        }
-        album.add("tree.png", panel);
-        panel.setLayoutDirection(Qt::RightToLeft);
-        album.add("tree-right-to-left.png", panel);
-        panel.setLayoutDirection(Qt::LeftToRight);
-        panel.getTree().setHideFields(true);
-        album.add("tree-hidden-fields.png", panel);
+        TreeSubject tree(model);
+        album.add("tree.png", tree);
+        tree.setLayoutDirection(Qt::RightToLeft);
+        album.add("tree-right-to-left.png", tree);
+        tree.setLayoutDirection(Qt::LeftToRight);
+        tree.getTree().setHideFields(true);
+        album.add("tree-hidden-fields.png", tree);
+        tree.getTree().setHideFields(false);
+        setDarkStyle(true);
+        album.add("tree-dark.png", tree);
+        setDarkStyle(false);
+        tree.dragBetweenRows();
+        album.add("tree-drop.png", tree);
+        tree.endDrag();
+        tree.edit();
+        album.add("tree-editing.png", tree);
     }
 
     /// Lets the timers run that end an animation of no length.

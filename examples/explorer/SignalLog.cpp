@@ -2,7 +2,11 @@
 
 #include "PackageGraph.h"
 
+#include "zrVOMGUI/trees/ObjectTreeView.h"
+
 #include <QFontDatabase>
+
+#include <map>
 
 namespace Explorer {
 
@@ -21,17 +25,38 @@ QString describe(Objects const &objects)
     return SignalLog::tr("%1 objects  %2").arg(objects.size()).arg(names.join(", "));
 }
 
+/// The field that takes a drop, and where in it.
+template <class SigDropData>
+QString describeDrop(SigDropData const &drop)
+{
+    static std::map<Qt::DropAction, char const *> const actions = {
+        {Qt::CopyAction, QT_TRANSLATE_NOOP("Explorer::SignalLog", "copy")},
+        {Qt::MoveAction, QT_TRANSLATE_NOOP("Explorer::SignalLog", "move")},
+        {Qt::LinkAction, QT_TRANSLATE_NOOP("Explorer::SignalLog", "link")}};
+    const auto action = actions.find(drop.action);
+    const auto field = drop.path.getLast().field;
+    QString place = field ? QString::fromStdString(field->name) : QString();
+    if (drop.index != std::size_t(-1))
+        place += QString("[%1]").arg(drop.index);
+    return QString("%1 %2 %3 %4")
+        .arg(action == actions.end() ? QString() : SignalLog::tr(action->second),
+             describe(drop.objs), QString::fromUtf8("→"), place);
+}
+
 } // namespace
 
-SignalLog::SignalLog(PackageGraph &shownGraph, QWidget *parent)
+SignalLog::SignalLog(QWidget *parent)
     : QPlainTextEdit(parent)
 {
     constexpr int maxLines = 2000;
     setReadOnly(true);
     setMaximumBlockCount(maxLines);
     setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    setPlaceholderText(tr("Signals of the graph appear here."));
-    PackageGraph &graph = shownGraph;
+    setPlaceholderText(tr("Signals of the widgets appear here."));
+}
+
+void SignalLog::watch(PackageGraph &graph)
+{
     graph.sigSel.connect(
         [this, &graph](auto const &) { write("sigSel", describe(graph.getSel())); });
     graph.sigInsertNode.connect(
@@ -43,9 +68,22 @@ SignalLog::SignalLog(PackageGraph &shownGraph, QWidget *parent)
     });
 }
 
+void SignalLog::watch(ZR::VOM::GUI::ObjectTreeView &tree)
+{
+    tree.sigRowMenu.connect([this](auto const &sigData) {
+        write("sigRowMenu", sigData.row ? sigData.row->getText() : QString());
+    });
+    tree.sigEditRowError.connect([this](auto const &sigData) {
+        write("sigEditRowError", QString::fromStdString(sigData.text) + "  " +
+                                     QString::fromUtf8(sigData.error.what()));
+    });
+    tree.sigDrop.connect([this](auto const &sigData) { write("sigDrop", describeDrop(sigData)); });
+    tree.sigClear.connect([this](auto const &) { write("sigClear", {}); });
+}
+
 void SignalLog::write(QString const &signal, QString const &what)
 {
-    constexpr int column = 15;
+    constexpr int column = 17;
     appendPlainText(signal.leftJustified(column) + what);
 }
 

@@ -2,17 +2,26 @@
 
 #include <QPlainTextEdit>
 
+namespace ZR::VOM::GUI {
+class ObjectTreeView;
+}
+
 namespace Explorer {
 
 class PackageGraph;
 
-/// The signals of a graph, a line each as they come.
+/// Signals of widgets, a line each as they come.
 class SignalLog : public QPlainTextEdit {
     Q_OBJECT
 
 public:
-    /// The graph isn't owned, and doesn't outlive the log.
-    explicit SignalLog(PackageGraph &shownGraph, QWidget *parent = nullptr);
+    explicit SignalLog(QWidget *parent = nullptr);
+
+    /// \name Widgets to listen to, which aren't owned and don't outlive the log
+    /// @{
+    void watch(PackageGraph &graph);
+    void watch(ZR::VOM::GUI::ObjectTreeView &tree);
+    /// @}
 
 private:
     void write(QString const &signal, QString const &what);

@@ -6,9 +6,12 @@
 
 #include <QWidget>
 
+class QMenu;
+
 namespace Explorer {
 
-/// The model as a tree, with what a host can set on it above. Carries out what is dropped.
+/// The model's sections as a tree, with what a host can set on it above. Carries out what is
+/// dropped, and what the context menu offers.
 class TreePanel : public QWidget {
     Q_OBJECT
 
@@ -17,21 +20,34 @@ public:
 
     /// The model isn't owned.
     explicit TreePanel(PackageModel &shownModel, QWidget *parent = nullptr);
+    ~TreePanel() override;
 
+    PackageModel &getModel() const { return model; }
     Tree &getTree() { return *tree; }
-    /// Shows the model's objects anew, and selects what was selected.
+    /// Shows the sections anew, as also happens when there are others, and selects what was
+    /// selected.
     void updateRows();
 
 signals:
     /// For the user to read once.
     void said(QString const &text);
+    /// A package is to be shown elsewhere.
+    void packageChosen(QString const &name);
 
 private:
     void connectTree();
+    void watchSections();
     void insertDropped(Tree::SigDropData const &drop);
+    void popupMenu(Tree::RowHandle const &row, QPoint const &pos);
+    void addObjectActions(QMenu &menu, Tree::RowHandle const &row, Item const &item);
+    void addRemoveAction(QMenu &menu, ZR::VOM::Path const &path);
+    /// Runs an edit of the model, and says why it was refused if it was.
+    template <class Edit>
+    void tryEdit(Edit &&edit);
 
     PackageModel &model;
     Tree *tree;
+    ZR::Signal::Connection sectionsConnection;
 };
 
 } // namespace Explorer

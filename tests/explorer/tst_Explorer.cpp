@@ -30,8 +30,12 @@ const QStringList pictures = {"drag-pixmap.png",
                               "graph-scale2.png",
                               "graph-selection.png",
                               "graph-start.png",
+                              "tree-dark.png",
+                              "tree-drop.png",
+                              "tree-editing.png",
                               "tree-hidden-fields.png",
                               "tree-right-to-left.png",
+                              "tree-scale2.png",
                               "tree.png",
                               "window.png"};
 

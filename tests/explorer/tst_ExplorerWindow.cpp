@@ -181,7 +181,7 @@ void tst_ExplorerWindow::logTellsSignals()
     QTest::mouseClick(window->getPage().getGraph().viewport(), Qt::LeftButton, {}, QPoint(3, 3));
     QVERIFY(log->toPlainText().contains("sigSel"));
     window->getPage().clear();
-    QVERIFY(log->toPlainText().contains("sigRemoveNode  2 objects"));
+    QVERIFY(log->toPlainText().contains("sigRemoveNode    2 objects"));
 }
 
 void tst_ExplorerWindow::darkStyleGoesAgain()
