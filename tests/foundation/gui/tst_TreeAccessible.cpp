@@ -1,6 +1,11 @@
 #include "foundation/gui/TreeScene.h"
 
 #include <QAccessible>
+#include <private/qguiapplication_p.h>
+#include <qpa/qplatformaccessibility.h>
+#include <qpa/qplatformintegration.h>
+
+#include <utility>
 
 using namespace TreeTest;
 
@@ -32,6 +37,48 @@ std::string heard(Scene &scene)
     return text;
 }
 
+/// Takes down events in place of the platform, a word each and the name of the row.
+class Listener {
+public:
+    Listener()
+    {
+        heardEvents().clear();
+        setActive(true);
+        before = QAccessible::installUpdateHandler(&Listener::hear);
+    }
+    ~Listener()
+    {
+        QAccessible::installUpdateHandler(before);
+        setActive(false);
+    }
+
+    static QString take() { return std::exchange(heardEvents(), {}).join(", "); }
+
+private:
+    static void setActive(bool active)
+    {
+        QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(active);
+    }
+    static QStringList &heardEvents()
+    {
+        static QStringList events;
+        return events;
+    }
+    static void hear(QAccessibleEvent *event)
+    {
+        QAccessibleInterface *const subject = event->accessibleInterface();
+        const QString name = subject ? ' ' + subject->text(QAccessible::Name) : QString();
+        if (event->type() == QAccessible::Focus)
+            heardEvents() << "focus" + name;
+        else if (event->type() == QAccessible::StateChanged)
+            heardEvents() << "state" + name;
+        else if (event->type() == QAccessible::SelectionWithin)
+            heardEvents() << "selection";
+    }
+
+    QAccessible::UpdateHandler before;
+};
+
 } // namespace
 
 /// What assistive programs hear of a tree.
@@ -48,6 +95,7 @@ private slots:
     void nothingLiesOutside();
     void interfacesEndWithTheirRows();
     void interfacesEndWithTheView();
+    void changesAreTold();
 };
 
 void tst_TreeAccessible::tellsTextLevelAndState()
@@ -132,6 +180,24 @@ void tst_TreeAccessible::interfacesEndWithTheView()
     const QAccessible::Id id = QAccessible::uniqueId(treeOf(*scene)->child(1));
     scene->destroyView();
     QVERIFY(!QAccessible::accessibleInterface(id));
+}
+
+void tst_TreeAccessible::changesAreTold()
+{
+    const auto scene = makeScene(letters());
+    scene->click("a");
+    const Listener listener;
+    scene->key(Qt::Key_Down);
+    QCoreApplication::processEvents(); // The selection is told once, however much of it changed.
+    const QString moved = Listener::take();
+    QVERIFY2(moved.contains("focus b") && moved.contains("selection"), qPrintable(moved));
+    scene->key(Qt::Key_Down);
+    Listener::take();
+    scene->key(Qt::Key_Right); // Opens "c".
+    QVERIFY(Listener::take().contains("state c"));
+    scene->select({"a", "b", "e"});
+    QCoreApplication::processEvents();
+    QCOMPARE(Listener::take(), QString("selection"));
 }
 
 QTEST_MAIN(tst_TreeAccessible)

@@ -54,6 +54,7 @@ private slots:
     void typingFindsRows();
     void typingSurvivesRowsThatDie();
     void theCurrentRowIsScrolledTo();
+    void whatBeginsOutOfSightIsScrolledToSideways();
     void doubleClickOpensOrConfirms();
     void enterConfirms();
     void contextMenuComesByMouseAndByKey();
@@ -343,6 +344,29 @@ void tst_TreeInput::theCurrentRowIsScrolledTo()
     QCOMPARE(scene->view()->verticalScrollBar()->maximum(), 990 * height);
     scene->key(Qt::Key_Home);
     QCOMPARE(scene->view()->verticalScrollBar()->value(), 0);
+}
+
+void tst_TreeInput::whatBeginsOutOfSightIsScrolledToSideways()
+{
+    // Each deeper than the view is wide.
+    std::vector<ItemPtr> below = {item("deep")};
+    for (int level = 30; level-- != 0;)
+        below = {opened(item("level" + std::to_string(level), below))};
+    const auto scene = makeScene(below);
+    scene->view()->resize(200, 800);
+    scene->lines();
+    QScrollBar &bar = *scene->view()->horizontalScrollBar();
+    scene->key(Qt::Key_Home);
+    scene->key(Qt::Key_Down);
+    QCOMPARE(bar.value(), 0);
+    scene->key(Qt::Key_End);
+    QCOMPARE(scene->current(), std::string("deep"));
+    const int indent = scene->view()->style()->pixelMetric(QStyle::PM_TreeViewIndentation);
+    const int begin = 30 * indent;
+    QVERIFY(bar.value() <= begin);
+    QVERIFY(begin + 2 * indent <= bar.value() + scene->viewport()->width());
+    scene->key(Qt::Key_Home);
+    QCOMPARE(bar.value(), 0);
 }
 
 void tst_TreeInput::doubleClickOpensOrConfirms()

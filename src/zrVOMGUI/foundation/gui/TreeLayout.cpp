@@ -333,6 +333,25 @@ void TreeEngine::scrollTo(TreeRow &row)
         vertical.setValue(vertical.value() + rect.top());
     else if (rect.bottom() >= height)
         vertical.setValue(vertical.value() + std::min(rect.top(), rect.bottom() + 1 - height));
+    scrollSideways(row);
+}
+
+/// Only when the row begins out of sight, so that a long text doesn't move the tree about under the
+/// mouse.
+void TreeEngine::scrollSideways(TreeRow const &row)
+{
+    QScrollBar &horizontal = *view->horizontalScrollBar();
+    const int begin = levelOf(row) * indent, end = begin + indent + itemWidth(row);
+    const int width = view->viewport()->width(), value = horizontal.value();
+    if (end > contentWidth) {
+        contentWidth = end;
+        updateScrollBars();
+    }
+    const int textBegin = begin + 2 * indent;
+    if (begin < value)
+        horizontal.setValue(begin);
+    else if (textBegin > value + width)
+        horizontal.setValue(std::min(begin, end - width));
 }
 
 } // namespace ZR::GUI

@@ -199,6 +199,7 @@ private:
     static TreeRow *topStale(TreeRow &row);
     void measure();
     void updateScrollBars();
+    void scrollSideways(TreeRow const &row);
     int itemWidth(TreeRow const &row);
     int contentLeft() const;
     bool isElided() const;
