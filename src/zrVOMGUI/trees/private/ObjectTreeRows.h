@@ -55,11 +55,6 @@ public:
     void onAddressChanged() override { dirtyText(); }
 };
 
-class ObjectTreeView::FieldRow : public Trees::RowsT<ObjectTreeView>::FieldRow {
-public:
-    using Trees::RowsT<ObjectTreeView>::FieldRow::FieldRow;
-};
-
 class ObjectTreeView::FieldPtrRow : public Trees::RowsT<ObjectTreeView>::SingleLinkRow<FieldPtr> {
 public:
     using SingleLinkRow<FieldPtr>::SingleLinkRow;

@@ -8,7 +8,6 @@
 #include "zrVOMGUI/foundation/vom/linkFields.h"
 #include "zrVOMGUI/presentation/ItemLabel.h"
 #include "zrVOMGUI/presentation/ObjectIconDB.h"
-#include "zrVOMGUI/trees/private/DetachedRows.h"
 
 #include <QIcon>
 #include <QWidget>
@@ -31,7 +30,6 @@ namespace ZR::VOM::GUI::Trees {
 /// operations,
 /// - getView(), null while the view is torn down, and getVoidParent(), null at the top;
 /// - getVoidChild(), a child that exists, and getHandle(), by which rows are handed out;
-/// - detachedRows, where a rebuild enters itself;
 /// - Watch, which tells whether the row is still there after a host was called.
 template <class View>
 struct RowsT {
@@ -44,13 +42,7 @@ struct RowsT {
 
     class ObjectRow;
     class FieldRow;
-    struct DirtyValue {
-        bool value = true;
-    };
-    struct DirtyList {
-        bool num = true, rows = true;
-    };
-    template <class FieldType, class Dirty>
+    template <class FieldType>
     class LinkRow;
     template <class FieldType>
     class SingleLinkRow;
@@ -101,40 +93,24 @@ struct RowsT {
         return child ? child->makeRow(path, step, keepOpen) : RowHandle();
     }
 
-    /// The children of a row while they are rebuilt: those that were there, by what they stand for
-    /// and in their order, and those that will be.
+    /// Old rows by what they stand for, in their order.
     template <class Key>
-    class Rebuild : DetachedRows {
+    class Reusable {
     public:
-        explicit Rebuild(View &ofView)
-            : DetachedRows(ofView, ofView.detachedRows)
-        {
-        }
-        void keep(Key key, OwnedRow &&row) { old.emplace(key, std::move(row)); }
-        /// The first old row of the key, which isn't an old one any more; empty if there is none.
+        void add(Key key, OwnedRow &&row) { rows.emplace(key, std::move(row)); }
+        /// The first one of the key, which is gone from here then; empty when there is none.
         OwnedRow take(Key key)
         {
-            const auto found = old.find(key);
-            if (found == old.end())
+            const auto found = rows.find(key);
+            if (found == rows.end())
                 return {};
             OwnedRow row = std::move(found->second);
-            old.erase(found);
+            rows.erase(found);
             return row;
         }
-        void add(OwnedRow &&row) { rows.push_back(std::move(row)); }
-        OwnedRows &&finish() { return std::move(rows); }
 
     private:
-        void collect(std::vector<ZR::GUI::TreeRow *> &found) const override
-        {
-            for (auto const &[key, row] : old)
-                found.push_back(row.get());
-            for (OwnedRow const &row : rows)
-                found.push_back(row.get());
-        }
-
-        std::multimap<Key, OwnedRow> old; // Keeps the order of equal keys.
-        OwnedRows rows;
+        std::multimap<Key, OwnedRow> rows; // Keeps the order of equal keys.
     };
 };
 
@@ -162,7 +138,9 @@ public:
         View *const view = this->getView();
         if (!view || !obj)
             return;
-        if (!updateLabel(*view) || !obj)
+        const Watch watch(*this);
+        updateLabel(*view);
+        if (watch.isGone() || !this->getView() || !obj)
             return;
         if (wanted && (this->isOpen() || view->isHideFields())) {
             if (rowsDirty)
@@ -258,8 +236,8 @@ private:
             conNameField = name->sigSet.connect([this](auto const &) { dirtyText(); });
     }
 
-    /// KEPT: of a field that leaves, the look-up by name still finds it, and it is watched anew: a
-    /// host that goes on with a field that it holds has the label asked for once more.
+    /// KEPT: of a field that leaves, the look-up by name still finds it, and it is watched anew:
+    /// views show its last changes as long as somebody holds it.
     void onFieldsChanged(Field &field)
     {
         View *const view = this->getView();
@@ -274,10 +252,8 @@ private:
             dirtyRows();
     }
 
-    /// False when the row or its view is gone, since a database is a host's code.
-    bool updateLabel(View &view)
+    void updateLabel(View &view)
     {
-        const Watch watch(*this);
         const RefT<VOM::Object> held(obj);
         if (iconDirty) {
             QIcon icon;
@@ -285,8 +261,6 @@ private:
                 if (RefT<ObjectIconDB> const db = view.getObjIconDB())
                     icon = db->find(held);
             });
-            if (watch.isGone() || !this->getView())
-                return false;
             this->setIcon(icon);
             iconDirty = false;
         }
@@ -295,7 +269,6 @@ private:
                 getItemLabel(held, view.getNameField(), view.isTypeName(), View::hasAddress(view)));
             textDirty = false;
         }
-        return true;
     }
 
     std::vector<PtrT<Field>> acceptedFields(View const &view) const
@@ -312,22 +285,23 @@ private:
         const Watch watch(*this);
         const std::vector<PtrT<Field>> fields = acceptedFields(view);
         numDirty = rowsDirty = false;
-        Rebuild<Field const *> children(view);
+        Reusable<Field const *> old;
         for (OwnedRow &row : this->releaseChildRows())
             if (auto *const fieldRow = dynamic_cast<FieldRow *>(row.get());
                 fieldRow && fieldRow->getField() && !fieldRow->isLost())
-                children.keep(fieldRow->getField(), std::move(row));
+                old.add(fieldRow->getField(), std::move(row));
+        OwnedRows rows;
         for (PtrT<Field> const &field : fields) {
             if (!field)
                 continue;
-            OwnedRow row = children.take(field.get());
+            OwnedRow row = old.take(field.get());
             if (!row)
                 row = view.makeRow(*this, *field);
             if (watch.isGone() || !this->getView())
                 return;
-            children.add(std::move(row));
+            rows.push_back(std::move(row));
         }
-        this->setChildRows(children.finish());
+        this->setChildRows(std::move(rows));
     }
 
     std::size_t childOf(PtrT<Field> const &field) const
@@ -355,11 +329,9 @@ public:
         : VoidRow(view, parent)
         , field(shownField)
     {
+        constexpr unsigned watched = 1;
         this->setHidden(view.isHideFields());
         this->setText(shownField.name);
-        // KEPT: only a field that says so is listened to. Hosts flag the few fields that die on
-        // their own; for all others the row's object tells that they leave.
-        constexpr unsigned watched = 1;
         if (shownField.getFlags() & watched)
             conDelete = shownField.sigDelete.connect([this](auto const &) { lost = true; });
     }
@@ -407,14 +379,13 @@ protected:
     Signal::Connection conDelete;
 };
 
-/// What single links and lists of links share: two signals that mark the row. `Dirty` is what they
-/// mark, all of it, as it is at first.
+/// What single links and lists of links share: two signals that mark the row.
 template <class View>
-template <class FieldType, class Dirty>
-class RowsT<View>::LinkRow : public View::FieldRow {
+template <class FieldType>
+class RowsT<View>::LinkRow : public FieldRow {
 public:
     LinkRow(View &view, ParentRow const &parent, FieldType &shownField)
-        : View::FieldRow(view, parent, shownField)
+        : FieldRow(view, parent, shownField)
     {
         const auto mark = [this](auto const &) { markChanged(); };
         if constexpr (std::is_base_of_v<MField, FieldType>)
@@ -430,17 +401,17 @@ public:
     }
 
 protected:
+    virtual void setDirty() = 0;
+
     /// Null once the field is gone.
     FieldType *getLinks() const { return static_cast<FieldType *>(this->field.get()); }
-
-    Dirty dirty;
 
 private:
     void markChanged()
     {
         if (!this->getView())
             return;
-        dirty = Dirty();
+        setDirty();
         this->invalidateLayout();
         this->repaintView();
     }
@@ -451,10 +422,10 @@ private:
 /// A field of one link, which always has one child.
 template <class View>
 template <class FieldType>
-class RowsT<View>::SingleLinkRow : public LinkRow<FieldType, DirtyValue> {
+class RowsT<View>::SingleLinkRow : public LinkRow<FieldType> {
 public:
     SingleLinkRow(View &view, ParentRow const &parent, FieldType &shownField)
-        : LinkRow<FieldType, DirtyValue>(view, parent, shownField)
+        : LinkRow<FieldType>(view, parent, shownField)
     {
         this->setNumChildRows(1);
     }
@@ -462,7 +433,7 @@ public:
     void onUpdate(bool wanted) override
     {
         View *const view = this->getView();
-        if (view && this->getLinks() && wanted && this->showsChildren() && this->dirty.value)
+        if (view && this->getLinks() && wanted && this->showsChildren() && valueDirty)
             rebuild(*view);
     }
 
@@ -474,12 +445,15 @@ public:
                          [&] { return askChild(*this, 0, path, step + 1, keepOpen); });
     }
 
+protected:
+    void setDirty() override { valueDirty = true; }
+
 private:
     void rebuild(View &view)
     {
         const Watch watch(*this);
         const RefT<VOM::Object> value(this->getLinks()->get());
-        this->dirty.value = false;
+        valueDirty = false;
         OwnedRows rows = this->releaseChildRows();
         if (rows.empty() || !canStay(*rows.front(), value)) {
             rows.clear();
@@ -497,14 +471,16 @@ private:
         auto const *const objectRow = dynamic_cast<ObjectRow const *>(&row);
         return objectRow ? objectRow->standsFor(value.get()) : !value;
     }
+
+    bool valueDirty = true;
 };
 
 /// A list of links, with a child for each value.
 template <class View>
 template <class FieldType>
-class RowsT<View>::LinkListRow : public LinkRow<FieldType, DirtyList> {
+class RowsT<View>::LinkListRow : public LinkRow<FieldType> {
 public:
-    using LinkRow<FieldType, DirtyList>::LinkRow;
+    using LinkRow<FieldType>::LinkRow;
 
     void onUpdate(bool wanted) override
     {
@@ -512,11 +488,11 @@ public:
         if (!view || !this->getLinks())
             return;
         if (wanted && this->showsChildren()) {
-            if (this->dirty.rows)
+            if (rowsDirty)
                 rebuild(*view);
-        } else if (this->dirty.num) {
+        } else if (numDirty) {
             this->setNumChildRows(this->getLinks()->getNum());
-            this->dirty.num = false;
+            numDirty = false;
         }
     }
 
@@ -529,32 +505,39 @@ public:
         });
     }
 
+protected:
+    void setDirty() override { numDirty = rowsDirty = true; }
+
 private:
     void rebuild(View &view)
     {
         const Watch watch(*this);
-        this->dirty.num = this->dirty.rows = false;
-        Rebuild<VOM::Object const *> children(view);
+        numDirty = rowsDirty = false;
+        Reusable<VOM::Object const *> old;
         for (OwnedRow &row : this->releaseChildRows()) {
             auto const *const objectRow = dynamic_cast<ObjectRow const *>(row.get());
             if (!objectRow)
-                children.keep(nullptr, std::move(row));
+                old.add(nullptr, std::move(row));
             else if (objectRow->getObj() && !objectRow->isLost())
-                children.keep(objectRow->getObj(), std::move(row));
+                old.add(objectRow->getObj(), std::move(row));
         }
         // A host that is told of a new row may change the field.
         auto const values = this->getLinks()->getAll();
+        OwnedRows rows;
+        rows.reserve(values.size());
         for (auto const &link : values) {
             const RefT<VOM::Object> value(link);
-            OwnedRow row = children.take(value.get());
+            OwnedRow row = old.take(value.get());
             if (!row)
                 row = this->makeValueRow(view, value);
             if (watch.isGone() || !this->getView())
                 return;
-            children.add(std::move(row));
+            rows.push_back(std::move(row));
         }
-        this->setChildRows(children.finish());
+        this->setChildRows(std::move(rows));
     }
+
+    bool numDirty = true, rowsDirty = true;
 };
 
 /// The invisible top: objects and fields that the host put there.
@@ -619,14 +602,13 @@ public:
     }
 
 private:
-    /// An item may be there several times. Removing one disconnects it, which need not be the one
-    /// that was told.
     void onItemDelete(SigVoidData const &sigData)
     {
-        Class const *const dying = sigData.ptr.get();
-        for (std::size_t i = items.size(); dying && i-- != 0;)
-            if (items[i] == dying)
-                removeItem(i);
+        const auto item = std::find_if(items.begin(), items.end(), [&](Class const *other) {
+            return other && sigData.ptr.get() == other;
+        });
+        if (item != items.end())
+            removeItem(static_cast<std::size_t>(item - items.begin()));
     }
 
     void disconnectItems()
@@ -648,37 +630,38 @@ private:
     {
         const Watch watch(*this);
         dirty = false;
-        Rebuild<Class const *> children(view);
+        Reusable<Class const *> old;
         for (OwnedRow &row : this->releaseChildRows())
             if (View::keepsTopRows)
-                keep(children, std::move(row));
+                keep(old, std::move(row));
         const std::vector<Class *> shown = items;
+        OwnedRows rows;
         for (Class *item : shown) {
             // A host that is told of a new row may let items die.
             const bool itemsChanged = dirty;
             if (itemsChanged && item && std::find(items.begin(), items.end(), item) == items.end())
                 continue;
-            OwnedRow row = children.take(item);
+            OwnedRow row = old.take(item);
             if (!row)
                 row = makeItemRow(view, item);
             if (watch.isGone() || !this->getView())
                 return;
             if (row)
-                children.add(std::move(row));
+                rows.push_back(std::move(row));
         }
-        this->setChildRows(children.finish());
+        this->setChildRows(std::move(rows));
     }
 
-    static void keep(Rebuild<Class const *> &children, OwnedRow &&row)
+    static void keep(Reusable<Class const *> &old, OwnedRow &&row)
     {
         if (auto const *const objectRow = dynamic_cast<ObjectRow const *>(row.get())) {
             if (objectRow->getObj() && !objectRow->isLost())
-                children.keep(objectRow->getObj(), std::move(row));
+                old.add(objectRow->getObj(), std::move(row));
         } else if (auto const *const fieldRow = dynamic_cast<FieldRow const *>(row.get())) {
             if (fieldRow->getField() && !fieldRow->isLost())
-                children.keep(fieldRow->getField(), std::move(row));
+                old.add(fieldRow->getField(), std::move(row));
         } else {
-            children.keep(nullptr, std::move(row));
+            old.add(nullptr, std::move(row));
         }
     }
 
@@ -692,8 +675,8 @@ private:
     }
 
     std::vector<Class *> items;
-    bool dirty = false;
     std::vector<Signal::Connection> itemCons; // Position by position.
+    bool dirty = false;
 };
 
 } // namespace ZR::VOM::GUI::Trees
