@@ -316,7 +316,7 @@ void tst_ObjectTreeView::menuIsAskedForWithItsRow()
 void tst_ObjectTreeView::listenersMayDestroyTheView_data()
 {
     QTest::addColumn<QString>("signal");
-    for (char const *name : {"row", "row below", "clear", "menu", "error"})
+    for (char const *name : {"row", "row below", "row of the first show", "clear", "menu", "error"})
         QTest::newRow(name) << QString(name);
 }
 
@@ -339,6 +339,12 @@ void tst_ObjectTreeView::listenersMayDestroyTheView()
         view.sigRow.connect(destroy);
         scene.show();
         view.findRow({5, 5});
+    } else if (signal == "row of the first show") {
+        view.hide();
+        scene.show();
+        view.sigRow.connect(destroy);
+        view.show();
+        QTRY_VERIFY(!scene.view);
     } else if (signal == "clear") {
         view.sigClear.connect(destroy);
         view.clear();

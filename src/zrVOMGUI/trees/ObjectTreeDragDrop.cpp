@@ -4,9 +4,11 @@
 #include "zrVOMGUI/transfer/MimeData.h"
 #include "zrVOMGUI/transfer/canDrop.h"
 #include "zrVOMGUI/trees/private/ObjectTreeRows.h"
+#include "zrVOMGUI/trees/private/tryEmit.h"
 
 #include <QDropEvent>
 #include <QMimeData>
+#include <QPointer>
 
 namespace ZR::VOM::GUI {
 
@@ -42,6 +44,8 @@ QMimeData *ObjectTreeView::makeMimeData(std::vector<RowHandle> const &rows)
     for (RowHandle const &row : rows)
         if (Object *const obj = getRowObj(row))
             objs.emplace_back(*obj);
+    // KEPT: copies are made at every start of a drag, whether or not it ends in a copy, and kept
+    // with the originals until the next. Receivers find both by address, also after the drop.
     std::vector<RefT<Object>> copies;
     tryCatch("ZR::VOM::GUI::ObjectTreeView::makeMimeData",
              [&] { copies = Copy::Context().copy(objs); });
@@ -50,6 +54,8 @@ QMimeData *ObjectTreeView::makeMimeData(std::vector<RowHandle> const &rows)
     return createMimeData(xmlExporter, &dragObjs, &dragCopyObjs);
 }
 
+/// KEPT: a drag in motion is judged by the action that it proposes, and the drop by the one that
+/// was agreed upon. Hosts change the latter while the drag moves.
 bool ObjectTreeView::onCanDrop(QDropEvent &event, RowHandle const &row, std::size_t index)
 {
     DropData dropData;
@@ -62,7 +68,7 @@ void ObjectTreeView::onDrop(QDropEvent &event, RowHandle const &row, std::size_t
     if (!findDropField(dropData, event, event.dropAction(), row, index))
         return;
     SigDropData sigData(dropData);
-    sigDrop.emitCatching(sigData, "ZR::VOM::GUI::ObjectTreeView::onDrop");
+    Trees::tryEmit(sigDrop, sigData, "ZR::VOM::GUI::ObjectTreeView::onDrop");
 }
 
 /// Finds the field that would take the drop; false when there is none.
@@ -89,8 +95,9 @@ bool ObjectTreeView::findDropField(DropData &dropData, QDropEvent const &event,
 bool ObjectTreeView::findFieldOfObject(DropData &dropData, Object *obj)
 {
     const PtrT<Object> target(obj);
+    const QPointer<ObjectTreeView> self(this);
     dropData.index = noPosition;
-    for (std::size_t i = 0; target && i < target->getNumFields(); ++i) {
+    for (std::size_t i = 0; self && target && i < target->getNumFields(); ++i) {
         Field &field = *target->getField(i);
         if (!isAccepted(field))
             continue;
@@ -122,13 +129,15 @@ bool ObjectTreeView::makeDropData(DropData &dropData, QMimeData const &mime, Qt:
     return true;
 }
 
+/// False when a listener has destroyed the view.
 bool ObjectTreeView::canDrop(DropData const &dropData)
 {
     if (sigCanDrop.hasSlots()) {
         bool result = false;
         SigCanDropData sigData(dropData, &result);
-        sigCanDrop.emitCatching(sigData, "ZR::VOM::GUI::ObjectTreeView::canDrop");
-        return result;
+        const QPointer<ObjectTreeView> self(this);
+        Trees::tryEmit(sigCanDrop, sigData, "ZR::VOM::GUI::ObjectTreeView::canDrop");
+        return result && self;
     }
     if (dropData.path.getType() != Path::Field)
         return false;

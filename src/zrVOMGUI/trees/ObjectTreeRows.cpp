@@ -66,6 +66,7 @@ std::shared_ptr<ObjectTreeView::Root> ObjectTreeView::makeRoot()
 /// Tells the host of a new row, who may do anything.
 ObjectTreeView::RowHandle ObjectTreeView::announce(RowHandle const &row)
 {
+    const Trees::NewRow newRow(*this, detachedRows, *row);
     SigRowData sigData;
     sigData.row = row.get();
     sigRow.emitCatching(sigData, "ZR::VOM::GUI::ObjectTreeView::makeRow");
@@ -80,20 +81,16 @@ ObjectTreeView::RowHandle ObjectTreeView::makeRow(VoidRow &parent, Object &obj)
 ObjectTreeView::RowHandle ObjectTreeView::makeRow(VoidRow &parent, Field &field)
 {
     RowHandle row;
-    const auto make = [&](auto &link, auto *kind) {
-        using KindOfRow = std::remove_pointer_t<decltype(kind)>;
-        row = MakeShared::make<KindOfRow>(*this, parent.getHandle(), link);
-    };
     visitLinkField(field, [&](auto &link) {
         using Link = std::decay_t<decltype(link)>;
         if constexpr (std::is_same_v<Link, FieldPtr>)
-            make(link, static_cast<FieldPtrRow *>(nullptr));
+            row = MakeShared::make<FieldPtrRow>(*this, parent.getHandle(), link);
         else if constexpr (std::is_same_v<Link, FieldRef>)
-            make(link, static_cast<FieldRefRow *>(nullptr));
+            row = MakeShared::make<FieldRefRow>(*this, parent.getHandle(), link);
         else if constexpr (std::is_same_v<Link, MFieldPtr>)
-            make(link, static_cast<MFieldPtrRow *>(nullptr));
+            row = MakeShared::make<MFieldPtrRow>(*this, parent.getHandle(), link);
         else
-            make(link, static_cast<MFieldRefRow *>(nullptr));
+            row = MakeShared::make<MFieldRefRow>(*this, parent.getHandle(), link);
     });
     return row ? announce(row) : row;
 }

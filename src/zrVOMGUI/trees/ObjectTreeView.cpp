@@ -67,15 +67,23 @@ ObjectTreeView::~ObjectTreeView()
 void ObjectTreeView::forEachRow(void (VoidRow::*operation)())
 {
     const UpdatePause pause(*this);
-    std::vector<VoidRow *> open{root.get()};
+    std::vector<ZR::GUI::TreeRow *> open{root.get()};
+    Trees::DetachedRows::collectAll(detachedRows, open);
     while (!open.empty()) {
-        VoidRow &row = *open.back();
+        auto &row = static_cast<VoidRow &>(*open.back());
         open.pop_back();
         (row.*operation)();
         for (std::size_t i = row.getNumMadeChildRows(); i-- != 0;)
             if (VoidRow *const child = row.getVoidChild(i))
                 open.push_back(child);
     }
+}
+
+/// KEPT: no row is touched. A tooltip is looked up as the mouse moves, and one that is shown stays
+/// until then: setting the field for many views costs nothing.
+void ObjectTreeView::setTooltipField(std::string const &name)
+{
+    tooltipField = name;
 }
 
 void ObjectTreeView::setObjIconDB(RefT<ObjectIconDB> const &db)
@@ -206,10 +214,16 @@ void ObjectTreeView::getSel(std::vector<Path> &paths)
 
 void ObjectTreeView::setSel(std::vector<Path> const &paths)
 {
+    // Rows are made on the way, of which listeners hear.
+    const QPointer<ObjectTreeView> self(this);
     std::vector<RowHandle> rows;
-    for (Path const &path : paths)
-        if (RowHandle row = makeRow(path, false))
+    for (Path const &path : paths) {
+        RowHandle row = makeRow(path, false);
+        if (!self)
+            return;
+        if (row)
             rows.push_back(std::move(row));
+    }
     TreeView::setSel(rows);
 }
 
@@ -221,7 +235,11 @@ ObjectTreeView::RowHandle ObjectTreeView::makeRow(Path const &path, bool keepOpe
 void ObjectTreeView::mouseMoveEvent(QMouseEvent *event)
 {
     if (event->buttons() == Qt::NoButton) {
+        // Rows may be made before one is found.
+        const QPointer<ObjectTreeView> self(this);
         const QString text = tooltipAt(event->pos());
+        if (!self)
+            return;
         if (text != toolTip())
             setToolTip(text);
     }
@@ -233,7 +251,11 @@ QString ObjectTreeView::tooltipAt(QPoint const &viewportPos)
     if (tooltipField.empty())
         return {};
     const QPoint scroll(horizontalScrollBar()->value(), verticalScrollBar()->value());
-    const RefT<Object> obj(getRowObj(findRow(viewportPos + scroll)));
+    const QPointer<ObjectTreeView> self(this);
+    const RowHandle row = findRow(viewportPos + scroll);
+    if (!self)
+        return {};
+    const RefT<Object> obj(getRowObj(row));
     auto const *const field = obj ? cast<FieldString>(obj->findField(tooltipField)) : nullptr;
     return field ? QString::fromStdString(field->get()) : QString();
 }
@@ -257,13 +279,18 @@ void ObjectTreeView::onEditRowConfirm(Row &row, std::string const &text)
     const RefT<FieldString> name = findNameField(row);
     if (!name)
         return;
+    const RowHandle held = row.shared_from_this();
+    const QPointer<ObjectTreeView> self(this);
     try {
         name->set(text);
     } catch (ZR::Error const &error) {
+        if (!self)
+            return;
         SigEditRowErrorData sigData(row, text, error);
         sigEditRowError.emitCatching(sigData, "ZR::VOM::GUI::ObjectTreeView::onEditRowConfirm");
     } catch (...) {
-        // What isn't an error of the model has nobody here to report it to.
+        // KEPT: what isn't an error of the model goes without a word. Listeners of the signal show
+        // the reason to the user, and such an exception has none to show.
     }
 }
 

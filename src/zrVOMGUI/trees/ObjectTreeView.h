@@ -18,9 +18,10 @@
 namespace ZR::VOM::GUI {
 
 namespace Trees {
+class DetachedRows;
 template <class View>
 struct RowsT;
-}
+} // namespace Trees
 
 /// What a row of an empty link shows: its own translation key, then the default text.
 ZRVOMGUI_EXPORT extern char const *const _ObjectTreeViewVoidRowLabel;
@@ -38,6 +39,8 @@ ZRVOMGUI_EXPORT extern char const *const _ObjectTreeViewVoidRowLabel;
 /// Nothing here owns the objects. GUI thread only. Texts are UTF-8.
 class ZRVOMGUI_EXPORT ObjectTreeView : public ZR::GUI::TreeView {
     Q_OBJECT
+
+    struct DropData;
 
 public:
     using Row = ZR::GUI::TreeViewRow;
@@ -64,7 +67,6 @@ public:
         std::string const &text; ///< What was refused.
         ZR::Error const &error;
     };
-    struct DropData;
     struct SigDropData : SigVoidData {
         explicit SigDropData(DropData const &dropped);
         Qt::DropAction action;
@@ -113,7 +115,7 @@ public:
     void setNameField(std::string const &name);
     /// The name of the string field that supplies tooltips; empty by default.
     std::string const &getTooltipField() const { return tooltipField; }
-    void setTooltipField(std::string const &name) { tooltipField = name; }
+    void setTooltipField(std::string const &name);
 
     /// The link fields that appear, by class name and field name; all while there is no such pair.
     /// The empty class name stands for every class, and a base class for its derived ones.
@@ -148,7 +150,8 @@ public:
     Object *getRowObj(RowHandle const &row) const;
     /// Null for a row that shows no field.
     Field *getRowField(RowHandle const &row) const;
-    /// Empty for no row, and for one whose object or field is lost.
+    /// Empty for no row, and for one whose object or field died. A row that was told of another
+    /// name field gives its path even then, see setNameField().
     Path getRowPath(RowHandle const &row) const;
     /// The path of the current row.
     Path getCurrent();
@@ -161,21 +164,11 @@ public:
     void setSel(std::vector<Path> const &paths);
     /// @}
 
-    SignalT<SigRowData> sigRow;         ///< A row was made; an object's has no text yet.
-    SignalT<SigVoidData> sigClear;      ///< clear() has run.
-    SignalT<SigRowMenuData> sigRowMenu; ///< A context menu is asked for.
-    /// An edited name was refused.
-    SignalT<SigEditRowErrorData> sigEditRowError;
-    /// Objects are dropped, for the host to insert.
-    SignalT<SigDropData> sigDrop;
-    /// Whether a drop is allowed. While anybody listens, the listeners alone decide; else canDrop()
-    /// does.
-    SignalT<SigCanDropData> sigCanDrop;
-
 protected:
     class VoidRow;
     class Root;
     class ObjectRow;
+    class FieldRow;
     class FieldPtrRow;
     class FieldRefRow;
     class MFieldPtrRow;
@@ -237,6 +230,26 @@ private:
     std::vector<RefT<Object>> dragObjs, dragCopyObjs;
     Signal::Connection conObjIconDB;
     std::shared_ptr<Root> root;
+    Trees::DetachedRows *detachedRows = nullptr;
+
+public:
+    /// \name Signals
+    /// A listener may do anything, also destroy the view.
+    /// @{
+
+    /// A row was made. It isn't among its parent's children yet, so that its path isn't known, and
+    /// an object's has no text.
+    SignalT<SigRowData> sigRow;
+    SignalT<SigVoidData> sigClear;      ///< clear() has run.
+    SignalT<SigRowMenuData> sigRowMenu; ///< A context menu is asked for.
+    /// An edited name was refused.
+    SignalT<SigEditRowErrorData> sigEditRowError;
+    /// Objects are dropped, for the host to insert.
+    SignalT<SigDropData> sigDrop;
+    /// Whether a drop is allowed. While anybody listens, the listeners alone decide; else canDrop()
+    /// does.
+    SignalT<SigCanDropData> sigCanDrop;
+    /// @}
 };
 
 } // namespace ZR::VOM::GUI

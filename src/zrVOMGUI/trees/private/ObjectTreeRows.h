@@ -55,6 +55,11 @@ public:
     void onAddressChanged() override { dirtyText(); }
 };
 
+class ObjectTreeView::FieldRow : public Trees::RowsT<ObjectTreeView>::FieldRow {
+public:
+    using Trees::RowsT<ObjectTreeView>::FieldRow::FieldRow;
+};
+
 class ObjectTreeView::FieldPtrRow : public Trees::RowsT<ObjectTreeView>::SingleLinkRow<FieldPtr> {
 public:
     using SingleLinkRow<FieldPtr>::SingleLinkRow;

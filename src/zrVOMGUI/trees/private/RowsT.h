@@ -8,6 +8,7 @@
 #include "zrVOMGUI/foundation/vom/linkFields.h"
 #include "zrVOMGUI/presentation/ItemLabel.h"
 #include "zrVOMGUI/presentation/ObjectIconDB.h"
+#include "zrVOMGUI/trees/private/DetachedRows.h"
 
 #include <QIcon>
 #include <QWidget>
@@ -30,6 +31,7 @@ namespace ZR::VOM::GUI::Trees {
 /// operations,
 /// - getView(), null while the view is torn down, and getVoidParent(), null at the top;
 /// - getVoidChild(), a child that exists, and getHandle(), by which rows are handed out;
+/// - detachedRows, where a rebuild enters itself;
 /// - Watch, which tells whether the row is still there after a host was called.
 template <class View>
 struct RowsT {
@@ -42,7 +44,13 @@ struct RowsT {
 
     class ObjectRow;
     class FieldRow;
-    template <class FieldType>
+    struct DirtyValue {
+        bool value = true;
+    };
+    struct DirtyList {
+        bool num = true, rows = true;
+    };
+    template <class FieldType, class Dirty>
     class LinkRow;
     template <class FieldType>
     class SingleLinkRow;
@@ -93,24 +101,40 @@ struct RowsT {
         return child ? child->makeRow(path, step, keepOpen) : RowHandle();
     }
 
-    /// Old rows by what they stand for, in their order.
+    /// The children of a row while they are rebuilt: those that were there, by what they stand for
+    /// and in their order, and those that will be.
     template <class Key>
-    class Reusable {
+    class Rebuild : DetachedRows {
     public:
-        void add(Key key, OwnedRow &&row) { rows.emplace(key, std::move(row)); }
-        /// The first one of the key, which is gone from here then; empty when there is none.
+        explicit Rebuild(View &ofView)
+            : DetachedRows(ofView, ofView.detachedRows)
+        {
+        }
+        void keep(Key key, OwnedRow &&row) { old.emplace(key, std::move(row)); }
+        /// The first old row of the key, which isn't an old one any more; empty if there is none.
         OwnedRow take(Key key)
         {
-            const auto found = rows.find(key);
-            if (found == rows.end())
+            const auto found = old.find(key);
+            if (found == old.end())
                 return {};
             OwnedRow row = std::move(found->second);
-            rows.erase(found);
+            old.erase(found);
             return row;
         }
+        void add(OwnedRow &&row) { rows.push_back(std::move(row)); }
+        OwnedRows &&finish() { return std::move(rows); }
 
     private:
-        std::multimap<Key, OwnedRow> rows; // Keeps the order of equal keys.
+        void collect(std::vector<ZR::GUI::TreeRow *> &found) const override
+        {
+            for (auto const &[key, row] : old)
+                found.push_back(row.get());
+            for (OwnedRow const &row : rows)
+                found.push_back(row.get());
+        }
+
+        std::multimap<Key, OwnedRow> old; // Keeps the order of equal keys.
+        OwnedRows rows;
     };
 };
 
@@ -138,9 +162,7 @@ public:
         View *const view = this->getView();
         if (!view || !obj)
             return;
-        const Watch watch(*this);
-        updateLabel(*view);
-        if (watch.isGone() || !this->getView() || !obj)
+        if (!updateLabel(*view) || !obj)
             return;
         if (wanted && (this->isOpen() || view->isHideFields())) {
             if (rowsDirty)
@@ -236,8 +258,8 @@ private:
             conNameField = name->sigSet.connect([this](auto const &) { dirtyText(); });
     }
 
-    /// KEPT: of a field that leaves, the look-up by name still finds it, and it is watched anew:
-    /// views show its last changes as long as somebody holds it.
+    /// KEPT: of a field that leaves, the look-up by name still finds it, and it is watched anew: a
+    /// host that goes on with a field that it holds has the label asked for once more.
     void onFieldsChanged(Field &field)
     {
         View *const view = this->getView();
@@ -252,8 +274,10 @@ private:
             dirtyRows();
     }
 
-    void updateLabel(View &view)
+    /// False when the row or its view is gone, since a database is a host's code.
+    bool updateLabel(View &view)
     {
+        const Watch watch(*this);
         const RefT<VOM::Object> held(obj);
         if (iconDirty) {
             QIcon icon;
@@ -261,6 +285,8 @@ private:
                 if (RefT<ObjectIconDB> const db = view.getObjIconDB())
                     icon = db->find(held);
             });
+            if (watch.isGone() || !this->getView())
+                return false;
             this->setIcon(icon);
             iconDirty = false;
         }
@@ -269,6 +295,7 @@ private:
                 getItemLabel(held, view.getNameField(), view.isTypeName(), View::hasAddress(view)));
             textDirty = false;
         }
+        return true;
     }
 
     std::vector<PtrT<Field>> acceptedFields(View const &view) const
@@ -285,23 +312,22 @@ private:
         const Watch watch(*this);
         const std::vector<PtrT<Field>> fields = acceptedFields(view);
         numDirty = rowsDirty = false;
-        Reusable<Field const *> old;
+        Rebuild<Field const *> children(view);
         for (OwnedRow &row : this->releaseChildRows())
             if (auto *const fieldRow = dynamic_cast<FieldRow *>(row.get());
                 fieldRow && fieldRow->getField() && !fieldRow->isLost())
-                old.add(fieldRow->getField(), std::move(row));
-        OwnedRows rows;
+                children.keep(fieldRow->getField(), std::move(row));
         for (PtrT<Field> const &field : fields) {
             if (!field)
                 continue;
-            OwnedRow row = old.take(field.get());
+            OwnedRow row = children.take(field.get());
             if (!row)
                 row = view.makeRow(*this, *field);
             if (watch.isGone() || !this->getView())
                 return;
-            rows.push_back(std::move(row));
+            children.add(std::move(row));
         }
-        this->setChildRows(std::move(rows));
+        this->setChildRows(children.finish());
     }
 
     std::size_t childOf(PtrT<Field> const &field) const
@@ -329,9 +355,11 @@ public:
         : VoidRow(view, parent)
         , field(shownField)
     {
-        constexpr unsigned watched = 1;
         this->setHidden(view.isHideFields());
         this->setText(shownField.name);
+        // KEPT: only a field that says so is listened to. Hosts flag the few fields that die on
+        // their own; for all others the row's object tells that they leave.
+        constexpr unsigned watched = 1;
         if (shownField.getFlags() & watched)
             conDelete = shownField.sigDelete.connect([this](auto const &) { lost = true; });
     }
@@ -379,13 +407,14 @@ protected:
     Signal::Connection conDelete;
 };
 
-/// What single links and lists of links share: two signals that mark the row.
+/// What single links and lists of links share: two signals that mark the row. `Dirty` is what they
+/// mark, all of it, as it is at first.
 template <class View>
-template <class FieldType>
-class RowsT<View>::LinkRow : public FieldRow {
+template <class FieldType, class Dirty>
+class RowsT<View>::LinkRow : public View::FieldRow {
 public:
     LinkRow(View &view, ParentRow const &parent, FieldType &shownField)
-        : FieldRow(view, parent, shownField)
+        : View::FieldRow(view, parent, shownField)
     {
         const auto mark = [this](auto const &) { markChanged(); };
         if constexpr (std::is_base_of_v<MField, FieldType>)
@@ -401,17 +430,17 @@ public:
     }
 
 protected:
-    virtual void setDirty() = 0;
-
     /// Null once the field is gone.
     FieldType *getLinks() const { return static_cast<FieldType *>(this->field.get()); }
+
+    Dirty dirty;
 
 private:
     void markChanged()
     {
         if (!this->getView())
             return;
-        setDirty();
+        dirty = Dirty();
         this->invalidateLayout();
         this->repaintView();
     }
@@ -422,10 +451,10 @@ private:
 /// A field of one link, which always has one child.
 template <class View>
 template <class FieldType>
-class RowsT<View>::SingleLinkRow : public LinkRow<FieldType> {
+class RowsT<View>::SingleLinkRow : public LinkRow<FieldType, DirtyValue> {
 public:
     SingleLinkRow(View &view, ParentRow const &parent, FieldType &shownField)
-        : LinkRow<FieldType>(view, parent, shownField)
+        : LinkRow<FieldType, DirtyValue>(view, parent, shownField)
     {
         this->setNumChildRows(1);
     }
@@ -433,7 +462,7 @@ public:
     void onUpdate(bool wanted) override
     {
         View *const view = this->getView();
-        if (view && this->getLinks() && wanted && this->showsChildren() && valueDirty)
+        if (view && this->getLinks() && wanted && this->showsChildren() && this->dirty.value)
             rebuild(*view);
     }
 
@@ -445,15 +474,12 @@ public:
                          [&] { return askChild(*this, 0, path, step + 1, keepOpen); });
     }
 
-protected:
-    void setDirty() override { valueDirty = true; }
-
 private:
     void rebuild(View &view)
     {
         const Watch watch(*this);
         const RefT<VOM::Object> value(this->getLinks()->get());
-        valueDirty = false;
+        this->dirty.value = false;
         OwnedRows rows = this->releaseChildRows();
         if (rows.empty() || !canStay(*rows.front(), value)) {
             rows.clear();
@@ -471,16 +497,14 @@ private:
         auto const *const objectRow = dynamic_cast<ObjectRow const *>(&row);
         return objectRow ? objectRow->standsFor(value.get()) : !value;
     }
-
-    bool valueDirty = true;
 };
 
 /// A list of links, with a child for each value.
 template <class View>
 template <class FieldType>
-class RowsT<View>::LinkListRow : public LinkRow<FieldType> {
+class RowsT<View>::LinkListRow : public LinkRow<FieldType, DirtyList> {
 public:
-    using LinkRow<FieldType>::LinkRow;
+    using LinkRow<FieldType, DirtyList>::LinkRow;
 
     void onUpdate(bool wanted) override
     {
@@ -488,11 +512,11 @@ public:
         if (!view || !this->getLinks())
             return;
         if (wanted && this->showsChildren()) {
-            if (rowsDirty)
+            if (this->dirty.rows)
                 rebuild(*view);
-        } else if (numDirty) {
+        } else if (this->dirty.num) {
             this->setNumChildRows(this->getLinks()->getNum());
-            numDirty = false;
+            this->dirty.num = false;
         }
     }
 
@@ -505,39 +529,32 @@ public:
         });
     }
 
-protected:
-    void setDirty() override { numDirty = rowsDirty = true; }
-
 private:
     void rebuild(View &view)
     {
         const Watch watch(*this);
-        numDirty = rowsDirty = false;
-        Reusable<VOM::Object const *> old;
+        this->dirty.num = this->dirty.rows = false;
+        Rebuild<VOM::Object const *> children(view);
         for (OwnedRow &row : this->releaseChildRows()) {
             auto const *const objectRow = dynamic_cast<ObjectRow const *>(row.get());
             if (!objectRow)
-                old.add(nullptr, std::move(row));
+                children.keep(nullptr, std::move(row));
             else if (objectRow->getObj() && !objectRow->isLost())
-                old.add(objectRow->getObj(), std::move(row));
+                children.keep(objectRow->getObj(), std::move(row));
         }
         // A host that is told of a new row may change the field.
         auto const values = this->getLinks()->getAll();
-        OwnedRows rows;
-        rows.reserve(values.size());
         for (auto const &link : values) {
             const RefT<VOM::Object> value(link);
-            OwnedRow row = old.take(value.get());
+            OwnedRow row = children.take(value.get());
             if (!row)
                 row = this->makeValueRow(view, value);
             if (watch.isGone() || !this->getView())
                 return;
-            rows.push_back(std::move(row));
+            children.add(std::move(row));
         }
-        this->setChildRows(std::move(rows));
+        this->setChildRows(children.finish());
     }
-
-    bool numDirty = true, rowsDirty = true;
 };
 
 /// The invisible top: objects and fields that the host put there.
@@ -602,13 +619,14 @@ public:
     }
 
 private:
+    /// An item may be there several times. Removing one disconnects it, which need not be the one
+    /// that was told.
     void onItemDelete(SigVoidData const &sigData)
     {
-        const auto item = std::find_if(items.begin(), items.end(), [&](Class const *other) {
-            return other && sigData.ptr.get() == other;
-        });
-        if (item != items.end())
-            removeItem(static_cast<std::size_t>(item - items.begin()));
+        Class const *const dying = sigData.ptr.get();
+        for (std::size_t i = items.size(); dying && i-- != 0;)
+            if (items[i] == dying)
+                removeItem(i);
     }
 
     void disconnectItems()
@@ -630,38 +648,37 @@ private:
     {
         const Watch watch(*this);
         dirty = false;
-        Reusable<Class const *> old;
+        Rebuild<Class const *> children(view);
         for (OwnedRow &row : this->releaseChildRows())
             if (View::keepsTopRows)
-                keep(old, std::move(row));
+                keep(children, std::move(row));
         const std::vector<Class *> shown = items;
-        OwnedRows rows;
         for (Class *item : shown) {
             // A host that is told of a new row may let items die.
             const bool itemsChanged = dirty;
             if (itemsChanged && item && std::find(items.begin(), items.end(), item) == items.end())
                 continue;
-            OwnedRow row = old.take(item);
+            OwnedRow row = children.take(item);
             if (!row)
                 row = makeItemRow(view, item);
             if (watch.isGone() || !this->getView())
                 return;
             if (row)
-                rows.push_back(std::move(row));
+                children.add(std::move(row));
         }
-        this->setChildRows(std::move(rows));
+        this->setChildRows(children.finish());
     }
 
-    static void keep(Reusable<Class const *> &old, OwnedRow &&row)
+    static void keep(Rebuild<Class const *> &children, OwnedRow &&row)
     {
         if (auto const *const objectRow = dynamic_cast<ObjectRow const *>(row.get())) {
             if (objectRow->getObj() && !objectRow->isLost())
-                old.add(objectRow->getObj(), std::move(row));
+                children.keep(objectRow->getObj(), std::move(row));
         } else if (auto const *const fieldRow = dynamic_cast<FieldRow const *>(row.get())) {
             if (fieldRow->getField() && !fieldRow->isLost())
-                old.add(fieldRow->getField(), std::move(row));
+                children.keep(fieldRow->getField(), std::move(row));
         } else {
-            old.add(nullptr, std::move(row));
+            children.keep(nullptr, std::move(row));
         }
     }
 
@@ -675,8 +692,8 @@ private:
     }
 
     std::vector<Class *> items;
-    std::vector<Signal::Connection> itemCons; // Position by position.
     bool dirty = false;
+    std::vector<Signal::Connection> itemCons; // Position by position.
 };
 
 } // namespace ZR::VOM::GUI::Trees
