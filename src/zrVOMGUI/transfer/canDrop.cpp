@@ -27,6 +27,8 @@ bool takesList(MFieldT<Type> &field, Qt::DropAction action, Objects const &objs,
     case Qt::LinkAction:
         return field.canReplace(std::min(index, field.getNum()), 0, {objs.begin(), objs.end()});
     case Qt::MoveAction:
+        // KEPT: a position beyond the end isn't taken for the end. A move is carried out at the
+        // very position that was asked about.
         return canMove(objs, field, index);
     default:
         return false;

@@ -43,10 +43,11 @@ public:
     QAccessible::Role role() const override { return QAccessible::TreeItem; }
     QString text(QAccessible::Text kind) const override
     {
-        if (!isValid())
+        TreeRow *const shown = getUpdated();
+        if (!shown)
             return {};
         if (kind == QAccessible::Name)
-            return row->getText();
+            return shown->getText();
         if (kind == QAccessible::Description)
             return QString::fromStdString(
                 _compose(getLocText("[ZR::GUI::TreeRowLevel]Level %1"), engine->levelOf(*row) + 1));
@@ -67,7 +68,7 @@ public:
     QAccessible::State state() const override
     {
         QAccessible::State state;
-        if (!isValid()) {
+        if (!getUpdated()) {
             state.invalid = true;
             return state;
         }
@@ -119,6 +120,17 @@ public:
     QStringList keyBindingsForAction(QString const &) const override { return {}; }
 
 private:
+    /// The row, which may never have been in sight, with its look up to date. Null when it is gone,
+    /// and this with it.
+    TreeRow *getUpdated() const
+    {
+        if (!isValid())
+            return nullptr;
+        const TreeEngine::Ref keep(engine.get());
+        const TreeRowWatch watch(keep.get(), row);
+        return keep->updateRow(*watch, false) ? static_cast<TreeRow *>(watch) : nullptr;
+    }
+
     TreeEngine::Ref engine;
     TreeRowWatch row;
 };
@@ -239,6 +251,24 @@ void TreeEngine::openChanged(TreeRow &row)
     QAccessible::State changed;
     changed.expanded = changed.collapsed = true;
     QAccessibleStateChangeEvent event(accessible(&row), changed);
+    QAccessible::updateAccessibility(&event);
+}
+
+/// Only of rows that somebody has asked about.
+void TreeEngine::tellName(TreeRow &row)
+{
+    if (!view || !QAccessible::isActive() || !accessibles.count(&row))
+        return;
+    QAccessibleEvent event(accessible(&row), QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&event);
+}
+
+/// Once for however many rows came or went.
+void TreeEngine::tellOrder()
+{
+    if (!std::exchange(orderChanged, false) || !view || !QAccessible::isActive())
+        return;
+    QAccessibleEvent event(view, QAccessible::ObjectReorder);
     QAccessible::updateAccessibility(&event);
 }
 

@@ -107,12 +107,23 @@ TreeEngine::DropPlace TreeEngine::placeAt(QPoint const &pos)
     return {row, TreeRow::npos, rect};
 }
 
+/// A hidden row can't be seen to take anything: what would lie in it lies before or behind it in
+/// its parent.
+void TreeEngine::leaveHidden(DropPlace &place)
+{
+    while (place.row && place.row->hidden && !place.row->isRoot()) {
+        place.index = place.row->rowIndex;
+        place.row = place.row->rowParent;
+    }
+}
+
 TreeEngine::DropPlace TreeEngine::askDrop(QDropEvent &event, QPoint const &pos)
 {
     const DropPlace nowhere{nullptr, TreeRow::npos, {}};
     if (!settle() || !takesTypes(event) || !chooseAction(event))
         return nowhere;
     DropPlace place = placeAt(pos);
+    leaveHidden(place);
     if (!place.row)
         return nowhere;
     const TreeRowWatch row(*this, place.row), under(*this, rowAtView(pos));
@@ -148,25 +159,35 @@ void TreeEngine::dragMove(QDragMoveEvent &event)
 {
     event.ignore();
     dragPos = event.pos();
+    dragPayload = event.mimeData();
+    dragActions = event.possibleActions();
+    dragButtons = event.mouseButtons();
+    dragModifiers = event.keyboardModifiers();
     const DropPlace place = askDrop(event, dragPos);
     if (!view)
         return;
     setDropPlace(place);
     event.setAccepted(place.row != nullptr);
 
-    TreeRow *const row = rowAtView(dragPos);
-    if (row != hoverOpenRow || (row && row->open)) {
-        hoverOpenRow = row;
-        hoverOpenTimer.stop();
-        if (row && !row->open && hasChildren(*row))
-            hoverOpenTimer.start(hoverOpenDelay, view);
-    }
+    watchHover();
     const int height = view->viewport()->height();
     const bool atEdge = dragPos.y() < rowHeight || dragPos.y() >= height - rowHeight;
     if (!atEdge)
         autoScrollTimer.stop();
     else if (!autoScrollTimer.isActive())
         autoScrollTimer.start(autoScrollInterval, view);
+}
+
+/// Counts the time anew when another row comes to lie under the drag.
+void TreeEngine::watchHover()
+{
+    TreeRow *const row = rowAtView(dragPos);
+    if (row == hoverOpenRow && !(row && row->open))
+        return;
+    hoverOpenRow = row;
+    hoverOpenTimer.stop();
+    if (row && !row->open && hasChildren(*row))
+        hoverOpenTimer.start(hoverOpenDelay, view);
 }
 
 void TreeEngine::dragLeave()
@@ -193,14 +214,24 @@ void TreeEngine::drop(QDropEvent &event)
     hooks->onDrop(event, place.row, place.index);
 }
 
-/// One line at a time, while the drag stays at the edge. Where it would land is asked anew with
-/// its next move.
+/// One line at a time, while the drag stays at the edge. A drag that rests sends no moves, so that
+/// the host is asked about the row that has come under it.
 void TreeEngine::autoScroll()
 {
-    setDropPlace({nullptr, TreeRow::npos, {}});
     QScrollBar &bar = *view->verticalScrollBar();
-    bar.setValue(bar.value() + (dragPos.y() < rowHeight ? -rowHeight : rowHeight));
-    settle();
+    const int before = bar.value();
+    bar.setValue(before + (dragPos.y() < rowHeight ? -rowHeight : rowHeight));
+    if (bar.value() == before)
+        return;
+    DropPlace place{nullptr, TreeRow::npos, {}};
+    if (dragPayload) {
+        QDragMoveEvent rested(dragPos, dragActions, dragPayload, dragButtons, dragModifiers);
+        place = askDrop(rested, dragPos);
+    }
+    if (!settle())
+        return;
+    setDropPlace(place);
+    watchHover();
 }
 
 } // namespace ZR::GUI

@@ -119,7 +119,7 @@ void TreeEngine::placeEditor()
     option.rect = itemRect(*edited, line);
     QRect rect = view->style()->subElementRect(QStyle::SE_ItemViewItemText, &option, view);
     const QRect viewport = view->viewport()->rect();
-    rect = rect.united(option.rect.intersected(rect)).intersected(viewport);
+    rect = rect.intersected(viewport);
     if (rect.width() < minEditorWidth)
         rect.setWidth(std::min(minEditorWidth, viewport.width()));
     rect.setTop(option.rect.top());

@@ -167,8 +167,10 @@ void TreeEngine::requestLayout()
 void TreeEngine::layoutRequested()
 {
     layoutPosted = false;
-    if (settle())
-        tellSelection();
+    if (!settle())
+        return;
+    tellOrder();
+    tellSelection();
 }
 
 void TreeEngine::marked()
@@ -179,7 +181,7 @@ void TreeEngine::marked()
 
 void TreeEngine::linesChanged()
 {
-    linesStale = widthStale = true;
+    linesStale = widthStale = orderChanged = true;
     requestLayout();
 }
 
@@ -189,9 +191,15 @@ void TreeEngine::resized()
     requestLayout();
 }
 
-void TreeEngine::lookChanged(TreeRow &)
+void TreeEngine::lookChanged()
 {
     requestLayout();
+}
+
+void TreeEngine::textChanged(TreeRow &row)
+{
+    requestLayout();
+    tellName(row);
 }
 
 void TreeEngine::metricsChanged()

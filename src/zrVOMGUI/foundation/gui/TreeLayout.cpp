@@ -62,14 +62,17 @@ bool TreeEngine::settle()
     return true;
 }
 
-/// Calls onUpdate(). False when the view is gone.
+/// Calls onUpdate(). False when the view is gone. A row that was only asked for its look is asked
+/// again when it comes into sight, since it may have children to make.
 bool TreeEngine::updateRow(TreeRow &row, bool wanted)
 {
-    if (!row.stale || row.updatePass == pass)
+    if (!row.stale || (wanted && row.updatePass == pass))
         return view != nullptr;
-    row.stale = false;
-    row.updatePass = pass;
-    unlist(row);
+    if (wanted) {
+        row.stale = false;
+        row.updatePass = pass;
+        unlist(row);
+    }
     ++numUpdates;
     ++updating;
     tryCatch("ZR::GUI::TreeRow::onUpdate", [&] { row.onUpdate(wanted); });

@@ -122,14 +122,14 @@ void TreeRow::setText(std::string const &newText)
         return;
     rowText = converted;
     if (engine)
-        engine->lookChanged(*this);
+        engine->textChanged(*this);
 }
 
 void TreeRow::setIcon(QIcon const &newIcon)
 {
     rowIcon = newIcon;
     if (engine)
-        engine->lookChanged(*this);
+        engine->lookChanged();
 }
 
 void TreeRow::setNumChildRows(std::size_t num)
@@ -138,7 +138,7 @@ void TreeRow::setNumChildRows(std::size_t num)
         return;
     numChildren = num;
     if (engine)
-        engine->lookChanged(*this);
+        engine->lookChanged();
 }
 
 std::size_t TreeRow::getNumMadeChildRows() const
@@ -227,7 +227,7 @@ void TreeRow::putChildren(std::vector<TreeRow *> &&children)
 {
     numChildren = children.size();
     if (engine)
-        engine->lookChanged(*this);
+        engine->lookChanged();
     if (children.empty())
         return;
     branch = std::make_unique<TreeBranch>(std::move(children));

@@ -43,7 +43,9 @@ protected:
     /// may be made; a row that is neither open nor hidden needs none, unless they are hidden and
     /// theirs stand in their place.
     ///
-    /// May destroy rows and the view. An exception goes to the error sink.
+    /// May destroy rows and the view; but not the view while a paint that was forced by grab(),
+    /// render() or repaint() asks for it, since Qt goes on with the widget that it paints. What the
+    /// event loop paints was asked for before. An exception goes to the error sink.
     virtual void onUpdate(bool wanted);
 
 public:

@@ -21,7 +21,7 @@ bool TreeEngine::setSelected(TreeRow &row, bool selected)
         selection.pop_back();
     }
     selChanged = true;
-    lookChanged(row);
+    lookChanged();
     return true;
 }
 

@@ -106,13 +106,14 @@ public:
     void requestLayout();
     void marked();
     void linesChanged();
-    void lookChanged(TreeRow &row);
+    void lookChanged();
+    void textChanged(TreeRow &row);
     void openChanged(TreeRow &row);
 
     // Layout.
     /// Brings all that is in sight up to date. False when the view is gone afterwards.
     bool settle();
-    /// The same for one row out of sight: its text, icon and count.
+    /// The same for one row: with wanted false for its text, icon and count, wherever it is.
     bool updateRow(TreeRow &row, bool wanted);
     std::size_t getNumLines();
     TreeRow *rowAtLine(std::size_t line) const;
@@ -241,6 +242,8 @@ private:
     bool chooseAction(QDropEvent &event) const;
     /// Where the host takes the drop; no row where it doesn't, or the view is gone.
     DropPlace askDrop(QDropEvent &event, QPoint const &pos);
+    static void leaveHidden(DropPlace &place);
+    void watchHover();
     void setDropPlace(DropPlace const &place);
     void autoScroll();
 
@@ -248,6 +251,8 @@ private:
     void forgetAccessible(TreeRow *row);
     void forgetAccessibles();
     void tellFocus();
+    void tellName(TreeRow &row);
+    void tellOrder();
     void tellSelection();
 
     std::size_t refs = 1;
@@ -273,7 +278,7 @@ private:
     TreeRowWatch current, anchor, hover;
 
     std::unordered_map<TreeRow *, unsigned int> accessibles; // Identifiers of their interfaces.
-    bool selChanged = false;                                 // And not yet told.
+    bool selChanged = false, orderChanged = false;           // And not yet told.
 
     // From a press on.
     TreeRowWatch pressed;
@@ -295,6 +300,11 @@ private:
     std::vector<QString> mimeTypes;
     QRect dropIndicator;
     QPoint dragPos;
+    // Of the last move of a drag over this view, to ask again after scrolling under it.
+    QPointer<QMimeData const> dragPayload;
+    Qt::DropActions dragActions;
+    Qt::MouseButtons dragButtons;
+    Qt::KeyboardModifiers dragModifiers;
     TreeRowWatch hoverOpenRow;
     QBasicTimer hoverOpenTimer, autoScrollTimer;
 };
