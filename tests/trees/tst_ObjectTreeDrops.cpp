@@ -1,4 +1,5 @@
 #include "support/ErrorReports.h"
+#include "support/SentDrag.h"
 #include "trees/TreeScene.h"
 #include "zrVOMGUI/foundation/vom/XmlExporter.h"
 #include "zrVOMGUI/foundation/vom/XmlImporter.h"
@@ -54,6 +55,19 @@ struct Payload {
     std::unique_ptr<QMimeData> mime;
 };
 
+/// Counts what is read of it.
+class CountedMimeData : public QMimeData {
+public:
+    mutable int numReads = 0;
+
+protected:
+    QVariant retrieveData(QString const &type, QVariant::Type kind) const override
+    {
+        ++numReads;
+        return QMimeData::retrieveData(type, kind);
+    }
+};
+
 QDropEvent eventOf(QMimeData const *mime, Qt::DropAction action = Qt::CopyAction)
 {
     // The proposed action follows the modifiers.
@@ -93,9 +107,12 @@ private slots:
     void objectRowsRefuseWhileFieldsShow();
     void objectRowStandsForItsFirstFieldThatTakes();
     void topPositionMeansTheLowerRow();
+    void topPositionZeroMeansTheFirstRow();
+    void hiddenFieldsGiveNoPositionBetweenValues();
     void placesThatAreNoneRefuse();
     void nothingAndIgnoreRefuse();
     void moveFollowsTheRule();
+    void dragIsJudgedByTheProposedActionAndTheDropByTheAgreedOne();
     void unknownPayloadReachesTheRule();
     void xmlIsReadWithAnImporter();
     void badXmlRefuses();
@@ -124,7 +141,9 @@ void tst_ObjectTreeDrops::rowsWithoutObjectsCarryNothing()
 {
     Scene scene;
     scene.show();
-    const std::unique_ptr<QMimeData> mime(scene.view->makeMimeData({scene.row(scene.path("own"))}));
+    fieldOf<FieldPtr>(scene.a(), "next").set({});
+    const std::unique_ptr<QMimeData> mime(
+        scene.view->makeMimeData({scene.row(scene.path("own")), scene.row(scene.path("next", 0))}));
     Things objs = scene.things;
     QVERIFY(GUI::getFromMimeData(*mime, objs));
     QVERIFY(objs.empty());
@@ -225,6 +244,39 @@ void tst_ObjectTreeDrops::topPositionMeansTheLowerRow()
     QCOMPARE(told.rowIndex, noPosition);
 }
 
+void tst_ObjectTreeDrops::topPositionZeroMeansTheFirstRow()
+{
+    Scene scene;
+    scene.show();
+    scene.view->addRow(scene.own(), 0);
+    scene.dump();
+    Told told(*scene.view);
+    const RowHandle root = scene.row(scene.path())->getParent();
+    drop(scene, Payload({scene.b()}), root, 0);
+    QCOMPARE(told.num, 1);
+    QCOMPARE(told.path.getLast().field.get(), &scene.field("own"));
+    QCOMPARE(told.rowIndex, noPosition);
+}
+
+/// A whole drop between two values, whose row of the field isn't seen.
+void tst_ObjectTreeDrops::hiddenFieldsGiveNoPositionBetweenValues()
+{
+    Scene scene;
+    scene.view->setHideFields(true);
+    scene.view->addAcceptedField("", "own");
+    scene.show();
+    scene.open(scene.path());
+    QCOMPARE(scene.dump(), std::string("'a' ..'d' ..'e'"));
+    Told told(*scene.view);
+    const Payload payload({scene.b()});
+    const int height = scene.view->getRowHeight();
+    SentDrag drag(*scene.view);
+    QVERIFY(drag.run({60, 2 * height + 1}, payload.mime.get()));
+    QCOMPARE(told.num, 1);
+    QCOMPARE(told.path.getLast().field.get(), &scene.field("own"));
+    QCOMPARE(told.index, noPosition);
+}
+
 void tst_ObjectTreeDrops::placesThatAreNoneRefuse()
 {
     Scene scene;
@@ -244,8 +296,18 @@ void tst_ObjectTreeDrops::nothingAndIgnoreRefuse()
     QVERIFY(!scene.view->onCanDrop(none, row, noPosition));
     scene.view->onDrop(none, row, noPosition);
     const Payload payload({scene.e()});
-    QDropEvent ignored(QPointF(1, 1), Qt::IgnoreAction, payload.mime.get(), Qt::LeftButton, {});
+    // Refused before anything is read.
+    CountedMimeData counted;
+    for (QString const &type : payload.mime->formats())
+        counted.setData(type, payload.mime->data(type));
+    counted.numReads = 0;
+    QDropEvent ignored(QPointF(1, 1), Qt::IgnoreAction, &counted, Qt::LeftButton, {});
     QVERIFY(!scene.view->onCanDrop(ignored, row, noPosition));
+    scene.view->onDrop(ignored, row, noPosition);
+    QCOMPARE(counted.numReads, 0);
+    QDropEvent copied = eventOf(&counted);
+    QVERIFY(scene.view->onCanDrop(copied, row, noPosition));
+    QVERIFY(counted.numReads > 0);
 }
 
 void tst_ObjectTreeDrops::moveFollowsTheRule()
@@ -256,6 +318,33 @@ void tst_ObjectTreeDrops::moveFollowsTheRule()
     QVERIFY(canDrop(scene, Payload({scene.b()}), row, 0, Qt::MoveAction));
     QVERIFY(!canDrop(scene, Payload({scene.a()}), row, 0, Qt::MoveAction));
     QVERIFY(canDrop(scene, Payload({scene.a()}), row, 0, Qt::LinkAction));
+    // The end of a list has to be named for a move.
+    QVERIFY(canDrop(scene, Payload({scene.b()}), row, 2, Qt::MoveAction));
+    QVERIFY(!canDrop(scene, Payload({scene.b()}), row, noPosition, Qt::MoveAction));
+    QVERIFY(canDrop(scene, Payload({scene.b()}), row, noPosition, Qt::LinkAction));
+}
+
+/// KEPT: a drag in motion is judged by its proposed action, a drop by the one agreed upon.
+void tst_ObjectTreeDrops::dragIsJudgedByTheProposedActionAndTheDropByTheAgreedOne()
+{
+    Scene scene;
+    scene.show();
+    Told told(*scene.view);
+    const RowHandle row = scene.row(scene.path("own"));
+    // The list can't own what owns it: it may be linked there, and not moved there.
+    const Payload payload({scene.a()});
+    QDropEvent event = eventOf(payload.mime.get(), Qt::LinkAction);
+    event.setDropAction(Qt::MoveAction);
+    QCOMPARE(event.proposedAction(), Qt::LinkAction);
+    QVERIFY(scene.view->onCanDrop(event, row, 0));
+    scene.view->onDrop(event, row, 0);
+    QCOMPARE(told.num, 0);
+    QDropEvent reverse = eventOf(payload.mime.get(), Qt::MoveAction);
+    reverse.setDropAction(Qt::LinkAction);
+    QVERIFY(!scene.view->onCanDrop(reverse, row, 0));
+    scene.view->onDrop(reverse, row, 0);
+    QCOMPARE(told.num, 1);
+    QCOMPARE(told.action, Qt::LinkAction);
 }
 
 void tst_ObjectTreeDrops::unknownPayloadReachesTheRule()

@@ -1,4 +1,5 @@
 #include "trees/TreeScene.h"
+#include "zrVOMGUI/foundation/util/text.h"
 
 using namespace tree_test;
 
@@ -42,10 +43,15 @@ private slots:
     void removedNameFieldIsStillListenedTo();
     void changeOfTheNameFieldForgetsTheDeath();
     void hiddenFieldsLetValuesTakeTheirPlace();
+    void hiddenFieldsAreBuiltInAClosedRow();
     void hiddenFieldsShowAgain();
     void fieldAsATopRowShowsItsValues();
     void pathsOfAllKindsOfRows();
     void pathFindsItsRow();
+    void pathOfSeveralStepsFindsItsRow();
+    void pathsOfSingleLinksAndOfTheTop();
+    void rowsMadeOnTheWayStayAndOpenOnesStayOpen();
+    void voidLabelIsTranslated();
     void pathOpensOnTheWayAndKeepsOpenOnWish();
     void manyChangesAreOneRebuild();
     void fieldTextStays();
@@ -160,10 +166,15 @@ void tst_ObjectTreeRows::sameObjectTwiceHasTwoRows()
     const RowHandle first = scene.row(scene.path("all", 0)),
                     second = scene.row(scene.path("all", 1));
     QVERIFY(first != second);
-    second->setOpen(true);
     first->setOpen(true);
+    scene.all().replace(1, 1, {});
+    QCOMPARE(scene.row(scene.path("all", 0)), first);
+    QVERIFY(first->isOpen());
+    // First goes to first, whichever of them left.
+    scene.all().replace(0, 1, {scene.b(), scene.b()});
+    const RowHandle newSecond = scene.row(scene.path("all", 1));
+    QVERIFY(!newSecond->isOpen());
     scene.all().replace(0, 1, {});
-    // First goes to first.
     QCOMPARE(scene.row(scene.path("all", 0)), first);
     QVERIFY(first->isOpen());
 }
@@ -283,9 +294,11 @@ void tst_ObjectTreeRows::removedNameFieldIsStillListenedTo()
     const RefT<Field> name(scene.a()->findField("name"));
     removeField(*scene.a(), *name);
     QCOMPARE(scene.dump(), std::string(""));
-    const RowHandle row = scene.row(scene.path());
-    ZR::cast<FieldString>(name)->set("ghost");
-    QCOMPARE(row->getText(), QString());
+    auto &held = *ZR::cast<FieldString>(name);
+    QVERIFY(held.sigSet.hasSlots());
+    // The label is asked for again, and finds no such field on the object.
+    held.set("ghost");
+    QCOMPARE(scene.dump(), std::string(""));
 }
 
 /// KEPT: a row no longer counts as lost after a change of the name field.
@@ -296,9 +309,9 @@ void tst_ObjectTreeRows::changeOfTheNameFieldForgetsTheDeath()
     const RowHandle c = scene.row(scene.path("next", 0));
     scene.view->setNameField("other");
     scene.things[2] = {};
-    // What a lost row wouldn't answer is answered as far as there is something to answer.
+    // It isn't lost, and gives the path to where it stands.
+    QCOMPARE(scene.view->getRowPath(c).getNum(), std::size_t(1));
     QVERIFY(!scene.view->getRowObj(c));
-    scene.dump();
 }
 
 void tst_ObjectTreeRows::hiddenFieldsLetValuesTakeTheirPlace()
@@ -308,6 +321,20 @@ void tst_ObjectTreeRows::hiddenFieldsLetValuesTakeTheirPlace()
     scene.show();
     scene.open(scene.path());
     QCOMPARE(scene.dump(), std::string("'a' ..'b' ..'c' ..'b' ..'c' ..'d' ..'e'"));
+}
+
+/// Else nobody would know whether it has anything to open.
+void tst_ObjectTreeRows::hiddenFieldsAreBuiltInAClosedRow()
+{
+    Scene scene;
+    scene.view->setHideFields(true);
+    scene.show();
+    QCOMPARE(scene.dump(), std::string("'a'"));
+    const RowHandle row = scene.row(scene.path());
+    QVERIFY(!row->isOpen());
+    QCOMPARE(row->getNumMadeChildRows(), std::size_t(4));
+    for (std::size_t i = 0; i < 4; ++i)
+        QVERIFY(row->getChildRow(i)->getNumMadeChildRows() > 0);
 }
 
 void tst_ObjectTreeRows::hiddenFieldsShowAgain()
@@ -366,6 +393,68 @@ void tst_ObjectTreeRows::pathFindsItsRow()
     QVERIFY(!scene.row(Path(PtrT<Object>())));
     scene.view->addAcceptedField("", "part");
     QVERIFY(!scene.row(scene.path("own")));
+}
+
+void tst_ObjectTreeRows::pathOfSeveralStepsFindsItsRow()
+{
+    Scene scene;
+    addField<FieldPtr>(*scene.e(), "back", PtrT<Object>(scene.a()));
+    scene.show();
+    Path deep = scene.path("own", 1);
+    deep.pushField(*scene.e()->findField("back"));
+    QCOMPARE(scene.view->getRowField(scene.row(deep)), scene.e()->findField("back").get());
+    deep.pushValue(*scene.e()->findField("back"));
+    const RowHandle again = scene.row(deep);
+    QCOMPARE(scene.view->getRowObj(again), scene.a().get());
+    QVERIFY(again != scene.row(scene.path()));
+    const Path found = scene.view->getRowPath(again);
+    QCOMPARE(found.getNum(), std::size_t(2));
+    QCOMPARE(found.get(0).index, std::size_t(1));
+    QCOMPARE(found.getObj().get(), scene.a().get());
+}
+
+void tst_ObjectTreeRows::pathsOfSingleLinksAndOfTheTop()
+{
+    Scene scene;
+    scene.show();
+    for (char const *name : {"part", "next"}) {
+        const Path field = scene.view->getRowPath(scene.row(scene.path(name)));
+        QCOMPARE(field.getType(), Path::Field);
+        QCOMPARE(field.getLast().field.get(), &scene.field(name));
+        const Path value = scene.view->getRowPath(scene.row(scene.path(name, 0)));
+        QCOMPARE(value.getType(), Path::Value);
+        QVERIFY(value.getObj());
+    }
+    const Path top = scene.view->getRowPath(scene.row(scene.path())->getParent());
+    QVERIFY(!top.getRoot());
+    QCOMPARE(top.getNum(), std::size_t(0));
+}
+
+void tst_ObjectTreeRows::rowsMadeOnTheWayStayAndOpenOnesStayOpen()
+{
+    Scene scene;
+    scene.show();
+    const RowHandle e = scene.row(scene.path("own", 1));
+    const RowHandle own = scene.row(scene.path("own"));
+    QVERIFY(!own->isOpen() && !scene.row(scene.path())->isOpen());
+    QCOMPARE(own->getNumMadeChildRows(), std::size_t(2));
+    QCOMPARE(own->getChildRow(1), e);
+    own->setOpen(true);
+    scene.row(scene.path("own", 0));
+    QVERIFY(own->isOpen());
+}
+
+void tst_ObjectTreeRows::voidLabelIsTranslated()
+{
+    ZR::setTextTranslation([](char const *text) -> char const * {
+        return text == std::string(GUI::_ObjectTreeViewVoidRowLabel) ? "leer" : nullptr;
+    });
+    Scene scene;
+    fieldOf<FieldPtr>(scene.a(), "next").set({});
+    scene.show();
+    const RowHandle row = scene.row(scene.path("next", 0));
+    ZR::setTextTranslation({});
+    QCOMPARE(row->getText(), QString("leer"));
 }
 
 void tst_ObjectTreeRows::pathOpensOnTheWayAndKeepsOpenOnWish()

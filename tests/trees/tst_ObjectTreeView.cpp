@@ -60,6 +60,8 @@ void tst_ObjectTreeView::rowsAreAddedAtPositions()
     scene.view->addRows({scene.c(), scene.d()}, 1);
     scene.view->addRows({scene.e()}, 99);
     QCOMPARE(scene.dump(), std::string("'b' 'c' 'd' 'a' 'e'"));
+    QCOMPARE(scene.view->addRow(scene.c(), 99), std::size_t(5));
+    scene.view->removeRow(5);
     scene.view->removeRow(1);
     QCOMPARE(scene.dump(), std::string("'b' 'd' 'a' 'e'"));
 }
@@ -86,28 +88,86 @@ void tst_ObjectTreeView::clearForgetsAllAndTells()
     QVERIFY(scene.view->updatesEnabled());
 }
 
+namespace {
+
+/// Counts the paints of a shown view. Updates that were off and come on again paint its frame, too.
+class Paints : public QObject {
+public:
+    explicit Paints(QAbstractScrollArea &counted)
+        : view(counted)
+    {
+        settle();
+        view.installEventFilter(this);
+        view.viewport()->installEventFilter(this);
+    }
+    void settle()
+    {
+        for (int i = 0; i < 3; ++i)
+            QTest::qWait(1);
+        frames = contents = 0;
+    }
+    bool isAny()
+    {
+        QTest::qWait(1);
+        return frames || contents;
+    }
+    bool isFrame()
+    {
+        QTest::qWait(1);
+        return frames;
+    }
+
+private:
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            ++(object == &view ? frames : contents);
+        return false;
+    }
+
+    QAbstractScrollArea &view;
+    int frames = 0, contents = 0;
+};
+
+} // namespace
+
 void tst_ObjectTreeView::settersPauseUpdates()
 {
     Scene scene;
     scene.show();
-    scene.dump();
+    QVERIFY(QTest::qWaitForWindowExposed(scene.view.get()));
+    Paints paints(*scene.view);
+    // Without a setter only the content is painted.
+    scene.view->viewport()->update();
+    QVERIFY(!paints.isFrame());
     scene.view->setAddress(true);
     QVERIFY(scene.view->updatesEnabled());
+    QVERIFY(paints.isFrame());
     QVERIFY(scene.dump() != "'a'");
     QVERIFY(scene.view->isAddress());
+    paints.settle();
+    scene.view->clear();
+    QVERIFY(paints.isFrame());
 }
 
 void tst_ObjectTreeView::settersWithTheOldValueDoNothing()
 {
     Scene scene;
+    scene.view->addAcceptedField("", "own");
     scene.show();
-    scene.dump();
+    QVERIFY(QTest::qWaitForWindowExposed(scene.view.get()));
+    Paints paints(*scene.view);
     scene.view->setTypeName(false);
     scene.view->setAddress(false);
     scene.view->setHideFields(false);
     scene.view->setNameField("name");
+    scene.view->addAcceptedField("", "own");
     scene.view->removeAcceptedField("", "nothing");
-    QCOMPARE(scene.dump(), std::string("'a'"));
+    scene.view->setTooltipField("tip");
+    scene.view->clearAcceptedFields();
+    QVERIFY(!paints.isAny());
+    scene.view->setTypeName(true);
+    QVERIFY(paints.isAny());
 }
 
 void tst_ObjectTreeView::updatesThatAreOffStayOff()
@@ -126,8 +186,13 @@ void tst_ObjectTreeView::onlyLinksAreAccepted()
     Scene scene;
     for (char const *name : {"part", "next", "all", "own"})
         QVERIFY2(scene.view->isAccepted(scene.field(name)), name);
-    QVERIFY(!scene.view->isAccepted(scene.field("name")));
-    scene.view->addAcceptedField("", "name");
+    addField<FieldInt>(*scene.a(), "number", 1);
+    addField<FieldReal>(*scene.a(), "size", 1.0);
+    for (char const *name : {"name", "number", "size"}) {
+        QVERIFY2(!scene.view->isAccepted(scene.field(name)), name);
+        scene.view->addAcceptedField("", name);
+        QVERIFY2(!scene.view->isAccepted(scene.field(name)), name);
+    }
     QVERIFY(!scene.view->isAccepted(scene.field("name")));
     QVERIFY(!scene.view->isAccepted(scene.field("part")));
 }
