@@ -155,6 +155,14 @@ private:
     struct ObjConnections {
         Signal::Connection death, add, remove;
     };
+    struct FieldConnections {
+        Signal::Connection death, set;
+        void disconnect()
+        {
+            death.disconnect();
+            set.disconnect();
+        }
+    };
 
     /// Whether the manager is still there, and still holds the fields that it held before.
     class Binding {
@@ -178,8 +186,8 @@ private:
         if (held->isUpdating)
             return;
         const LockBool lock(held->isUpdating);
-        tally.refresh();
         const Value value = tally.getValue();
+        tally.refresh();
         SigModifyData data;
         data.count = tally.getCount();
         data.mixed = tally.isMixed();
@@ -229,8 +237,8 @@ private:
             connections.add.disconnect();
             connections.remove.disconnect();
         }
-        for (Signal::Connection &connection : fieldConnections)
-            connection.disconnect();
+        for (FieldConnections &connections : fieldConnections)
+            connections.disconnect();
         objConnections.clear();
         fieldConnections.clear();
         boundObjs.clear();
@@ -250,8 +258,11 @@ private:
     }
     void watchValue(F &found, std::size_t i)
     {
-        fieldConnections[i] = found.sigSet.connect(
+        fieldConnections[i].set = found.sigSet.connect(
             [this](auto const &sigData) { onFieldSigSet(sigData); }, {}, makeIndex(i));
+        // A removal isn't heard of where a listener before takes out another field meanwhile.
+        fieldConnections[i].death = found.sigDelete.connect(
+            [this](auto const &sigData) { noteDeath(indexOf(sigData)); }, {}, makeIndex(i));
     }
 
     static RefT<Class> makeIndex(std::size_t i) { return new Index(i); }
@@ -265,12 +276,18 @@ private:
         return place < object.getNumFields() ? cast<F>(object.getField(place)) : nullptr;
     }
 
-    /// Others may keep the field of a dead object, which counts no longer all the same. Told with
-    /// the next update.
+    /// Others may keep the field of a dead object, which counts no longer all the same.
     void onObjSigDelete(SigVoidData const &sigData)
     {
         const std::size_t i = indexOf(sigData);
         boundObjs[i] = nullptr;
+        noteDeath(i);
+    }
+
+    /// Told with the next update.
+    void noteDeath(std::size_t i)
+    {
+        fieldConnections[i].disconnect();
         if (tally.get(i))
             tally.empty(i);
     }
@@ -364,7 +381,7 @@ private:
     FieldTallyT<F> tally;
     std::vector<Object *> boundObjs; // Not owned. Null once the object is gone.
     std::vector<ObjConnections> objConnections;
-    std::vector<Signal::Connection> fieldConnections;
+    std::vector<FieldConnections> fieldConnections;
     std::size_t fieldCount = 0; // Of slots filled, and not emptied since by a removal.
     const std::shared_ptr<Life> life = std::make_shared<Life>();
 };
