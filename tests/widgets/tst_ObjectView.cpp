@@ -115,6 +115,8 @@ private slots:
     void cleanup();
 
     void newSlotIsEmptyAndTakesEverything();
+    void backgroundFollowsThePalette();
+    void textStandsNextToTheIcon();
     void valueShowsIconAndLabel();
     void clearedSlotShowsNothing();
     void settersUpdateOnlyAValue();
@@ -212,6 +214,35 @@ void tst_ObjectView::newSlotIsEmptyAndTakesEverything()
     QCOMPARE(slot->palette().color(QPalette::Active, QPalette::Window),
              slot->palette().color(QPalette::Active, QPalette::Base));
     QCOMPARE(slot->layout()->contentsMargins(), QMargins(4, 4, 4, 4));
+}
+
+void tst_ObjectView::backgroundFollowsThePalette()
+{
+    const auto background = [&] {
+        return slot->palette().color(QPalette::Active, QPalette::Window);
+    };
+    QPalette dark(Qt::darkGray, Qt::black);
+    dark.setColor(QPalette::Base, Qt::darkBlue);
+    window->setPalette(dark);
+    QCOMPARE(background(), QColor(Qt::darkBlue));
+    // The host's own choice stays.
+    QPalette own = slot->palette();
+    own.setColor(QPalette::Active, QPalette::Window, Qt::red);
+    slot->setPalette(own);
+    dark.setColor(QPalette::Base, Qt::darkGreen);
+    window->setPalette(dark);
+    QCOMPARE(background(), QColor(Qt::red));
+}
+
+void tst_ObjectView::textStandsNextToTheIcon()
+{
+    QLabel const *const text = slot->findChildren<QLabel *>().last();
+    QVERIFY(text->alignment() & Qt::AlignLeft);
+    window->setLayoutDirection(Qt::RightToLeft);
+    QVERIFY(text->alignment() & Qt::AlignRight);
+    QVERIFY(text->alignment() & Qt::AlignAbsolute);
+    window->setLayoutDirection(Qt::LeftToRight);
+    QVERIFY(text->alignment() & Qt::AlignLeft);
 }
 
 void tst_ObjectView::valueShowsIconAndLabel()

@@ -3,6 +3,7 @@
 #include "zrVOMGUI/widgets/PathListView.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QScrollBar>
 #include <QStyle>
 #include <QtTest>
@@ -148,6 +149,10 @@ private slots:
     void rowUnderTheMouseIsMarked();
     void pressClearsTheMark();
     void marksArePaintedAcrossTheWidget();
+    void markedTextCanBeRead_data();
+    void markedTextCanBeRead();
+    void lettersAreWhole();
+    void textThatBecameLongerIsCut();
     void pressDoesNotRepaintAndReleaseDoes();
     void losingTheFocusClearsAll();
     void manyPathsArePaintedAtOnce();
@@ -538,6 +543,91 @@ void tst_PathListView::marksArePaintedAcrossTheWidget()
     QCOMPARE(image.pixel(290, row.y() + row.height() - 1), color.rgb());
     QVERIFY(image.pixel(290, row.y() + row.height()) != color.rgb());
     QVERIFY(image.pixel(290, row.y() - 1) != color.rgb());
+}
+
+void tst_PathListView::markedTextCanBeRead_data()
+{
+    QTest::addColumn<QColor>("base");
+    QTest::addColumn<QColor>("text");
+    QTest::addColumn<QColor>("highlight");
+    QTest::addColumn<QColor>("marked");
+    const QColor blue(0x30, 0x8c, 0xc6), paleBlue(0x4c, 0x8d, 0xd6), navy(0, 0, 0x40);
+    QTest::newRow("light") << QColor(Qt::white) << QColor(Qt::black) << blue << QColor(Qt::black);
+    QTest::newRow("dark") << QColor(Qt::black) << QColor(Qt::white) << paleBlue
+                          << QColor(Qt::black);
+    QTest::newRow("dark with a dark mark")
+        << QColor(Qt::black) << QColor(Qt::white) << navy << QColor(Qt::white);
+}
+
+void tst_PathListView::markedTextCanBeRead()
+{
+    QFETCH(QColor, base);
+    QFETCH(QColor, text);
+    QFETCH(QColor, highlight);
+    QFETCH(QColor, marked);
+    Scene scene;
+    QFont font = scene.view.font();
+    font.setPixelSize(40); // So that letters have an inside.
+    font.setBold(true);
+    scene.view.setFont(font);
+    QPalette palette;
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Highlight, highlight);
+    scene.view.setPalette(palette);
+    scene.setPlain(2);
+    scene.click(0);
+    const QImage image = scene.paint();
+    const auto has = [&](std::size_t row, QColor const &color) {
+        const QRect rect = Access::rowRect(scene.view, row) & image.rect();
+        for (int y = rect.top(); y <= rect.bottom(); ++y)
+            for (int x = rect.left(); x <= rect.right(); ++x)
+                if (image.pixel(x, y) == color.rgb())
+                    return true;
+        return false;
+    };
+    QVERIFY(has(0, marked));
+    QVERIFY(has(1, text));
+}
+
+/// Letters whose ink begins behind the left edge of their box, as that of "j" and "]" may.
+void tst_PathListView::lettersAreWhole()
+{
+    Scene scene;
+    fieldOf<FieldString>(scene.a(), "name").set("]]");
+    scene.view.hideFields(true);
+    scene.setPlain(1);
+    const QImage shown = scene.paint();
+    QImage expected = shown;
+    expected.fill(scene.view.palette().color(QPalette::Base));
+    QPainter painter(&expected);
+    painter.setFont(scene.view.font());
+    painter.setPen(scene.view.palette().color(QPalette::Text));
+    painter.drawText(0, scene.view.fontMetrics().ascent(), "']]'");
+    painter.end();
+    const auto lastInk = [&](QImage const &image) {
+        for (int x = image.width() - 1; x >= 0; --x)
+            for (int y = 0; y < image.height(); ++y)
+                if (image.pixel(x, y) != image.pixel(image.width() - 1, image.height() - 1))
+                    return x;
+        return -1;
+    };
+    QCOMPARE(lastInk(shown), lastInk(expected));
+}
+
+void tst_PathListView::textThatBecameLongerIsCut()
+{
+    Scene scene;
+    Path path = scene.path(scene.a());
+    path.pushField(scene.field(scene.a(), "part"));
+    scene.view.hideFields(true);
+    scene.set({path});
+    const int width = Access::cellSize(scene.view, 0, 0).width();
+    scene.view.hideFields(false);
+    const QImage image = scene.paint();
+    for (int x = width + 1; x < image.width(); ++x)
+        for (int y = 0; y < 30; ++y)
+            QCOMPARE(image.pixel(x, y), scene.view.palette().color(QPalette::Base).rgb());
 }
 
 void tst_PathListView::pressDoesNotRepaintAndReleaseDoes()

@@ -43,9 +43,8 @@ ObjectView::ObjectView(RefT<Exporter> const &xmlExporter, RefT<Xml::Importer> co
     // A label is a line of text, whatever it looks like.
     textLabel->setTextFormat(Qt::PlainText);
     setFrameStyle(int(QFrame::Box) | int(QFrame::Sunken));
-    QPalette colors = palette();
-    colors.setBrush(QPalette::Active, QPalette::Window, colors.base());
-    setPalette(colors);
+    updateBackground();
+    updateAlignment();
     setAutoFillBackground(true);
     setAcceptDrops(true);
 }
@@ -163,7 +162,30 @@ void ObjectView::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::StyleChange && value)
         updateIcon();
+    else if (event->type() == QEvent::LayoutDirectionChange)
+        updateAlignment();
+    else if (event->type() == QEvent::PaletteChange &&
+             palette().brush(QPalette::Active, QPalette::Window) == background)
+        updateBackground();
     QFrame::changeEvent(event);
+}
+
+/// Also with a palette that comes later, unless a host has chosen another background.
+void ObjectView::updateBackground()
+{
+    QPalette colors = palette();
+    background = colors.brush(QPalette::Active, QPalette::Base);
+    if (colors.brush(QPalette::Active, QPalette::Window) == background)
+        return;
+    colors.setBrush(QPalette::Active, QPalette::Window, background);
+    setPalette(colors);
+}
+
+/// Next to the icon, whatever the direction of the text itself.
+void ObjectView::updateAlignment()
+{
+    textLabel->setAlignment(Qt::AlignVCenter | Qt::AlignAbsolute |
+                            (isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft));
 }
 
 void ObjectView::mousePressEvent(QMouseEvent *event)

@@ -8,6 +8,7 @@
 #include "zrVOMGUI/foundation/vom/Importer.h"
 #include "zrVOMGUI/presentation/ObjectIconDB.h"
 
+#include <QBrush>
 #include <QFrame>
 #include <QPixmap>
 #include <QPoint>
@@ -139,6 +140,8 @@ private:
 
     void updateIcon();
     void updateLabel();
+    void updateBackground();
+    void updateAlignment();
     void onPtrObjFieldNameSigSet(FieldString::SigSetData const &sigData);
     void startDrag();
     template <class AnyDrag>
@@ -164,6 +167,7 @@ private:
     bool hasValue = false;
     PtrT<Object> value;
     PtrT<FieldString> nameField; // From which the label was made last.
+    QBrush background;           // That was set last.
     QPoint pressPos;
     std::vector<RefT<Object>> dragObjs; // Of the running drag.
     QLabel *iconLabel, *textLabel;

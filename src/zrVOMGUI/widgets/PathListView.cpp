@@ -12,6 +12,7 @@
 #include <QStyle>
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 #include <type_traits>
 
@@ -212,6 +213,7 @@ void PathListView::drawRow(QPainter &painter, Row &row, int y)
         if (isMarked)
             drawSelectionRect(painter, row);
     const bool isInSight = y < viewport()->height() && y + std::max(row.height, iconSize) >= 0;
+    painter.setPen(textColor(row));
     Pen pen{painter, isInSight, row.x, y};
     for (std::size_t i = 0; i < row.cells.size(); ++i) {
         drawIcon(pen, row.cells[i]);
@@ -236,18 +238,41 @@ void PathListView::drawIcon(Pen &pen, Cell const &cell) const
 
 void PathListView::drawText(Pen &pen, Cell const &cell) const
 {
-    if (pen.draws)
-        pen.painter.drawText(QRect(pen.x, pen.y, cell.width, cell.height), 0, displayText(cell));
+    if (pen.draws) {
+        const QString text = displayText(cell);
+        // Letters may begin behind the left edge and end as far behind the right one. A text that
+        // became longer, since fields aren't hidden any more, is cut.
+        const bool fits = fontMetrics().boundingRect(text).width() <= cell.width;
+        pen.painter.drawText(QRect(pen.x, pen.y, cell.width, cell.height),
+                             fits ? int(Qt::TextDontClip) : 0, text);
+    }
     pen.x += cellSpacing + cell.width;
     pen.rowHeight = std::max(pen.rowHeight, cell.height);
 }
 
-void PathListView::drawSelectionRect(QPainter &painter, Row const &row) const
+QColor PathListView::markColor() const
 {
     constexpr int lighter = 150; // Percent.
+    return palette().color(QPalette::Highlight).lighter(lighter);
+}
+
+/// The mark may be as light as the text, in a dark palette.
+QColor PathListView::textColor(Row const &row) const
+{
+    const QColor text = palette().color(QPalette::Text), base = palette().color(QPalette::Base);
+    if (!row.selected && !row.highlighted)
+        return text;
+    const auto distance = [mark = qGray(markColor().rgb())](QColor const &color) {
+        return std::abs(qGray(color.rgb()) - mark);
+    };
+    return distance(text) >= distance(base) ? text : base;
+}
+
+void PathListView::drawSelectionRect(QPainter &painter, Row const &row) const
+{
     const QRect rect(QPoint(0, row.y),
                      QPoint(geometry().right() - geometry().left(), row.y + row.height - 1));
-    painter.fillRect(rect, palette().color(QPalette::Highlight).lighter(lighter));
+    painter.fillRect(rect, markColor());
 }
 
 void PathListView::updateScrollbars()

@@ -88,6 +88,8 @@ private:
     void drawIcon(Pen &pen, Cell const &cell) const;
     void drawText(Pen &pen, Cell const &cell) const;
     void drawSelectionRect(QPainter &painter, Row const &row) const;
+    QColor markColor() const;
+    QColor textColor(Row const &row) const;
     void updateScrollbars();
 
     std::size_t posToRow(int x, int y) const;
