@@ -434,7 +434,7 @@ void tst_FieldLineEdit::hiddenEditorIsEmptyAndCostsNothing()
     QCOMPARE(edit.text(), QString());
     const auto isWatched = [&] {
         return sizeOf(objects[0]).sigSet.hasSlots() || objects[0]->sigRemoveField.hasSlots() ||
-               objects[1]->sigAddField.hasSlots() || objects[1]->sigDelete.hasSlots();
+               objects[1]->sigAddField.hasSlots() || sizeOf(objects[0]).sigDelete.hasSlots();
     };
     QVERIFY(!isWatched());
     edit.show();
@@ -610,7 +610,7 @@ void tst_FieldLineEdit::editorsAreDestroyedInEitherOrder()
     QCOMPARE(sizeOf(objects[1]).get(), 3.0);
     QCOMPARE(left.text(), QString("3"));
     (ownerFirst ? second : first).reset();
-    QVERIFY(!objects[0]->sigDelete.hasSlots());
+    QVERIFY(!objects[0]->sigRemoveField.hasSlots());
 }
 
 // Confirming.
@@ -899,7 +899,7 @@ void tst_FieldLineEdit::listenersMayDestroyTheEditor()
         removeField(*objects[0], sizeOf(objects[0]));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!watch);
-    QVERIFY(!objects[0]->sigDelete.hasSlots());
+    QVERIFY(!objects[0]->sigRemoveField.hasSlots());
     QVERIFY(!objects[1]->sigAddField.hasSlots());
 }
 

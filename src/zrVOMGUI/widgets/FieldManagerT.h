@@ -153,7 +153,7 @@ private:
     };
 
     struct ObjConnections {
-        Signal::Connection death, add, remove;
+        Signal::Connection add, remove;
     };
     struct FieldConnections {
         Signal::Connection death, set;
@@ -216,14 +216,11 @@ private:
     void bindObj(Object &object, std::size_t i)
     {
         boundObjs[i] = &object;
-        objConnections[i].death = object.sigDelete.connect(
-            [this](auto const &sigData) { onObjSigDelete(sigData); }, {}, makeIndex(i));
         const std::size_t place = object.findFieldIndex(field);
         if (F *const found = fieldAt(object, place)) {
             tally.fill(i, *found);
             ++fieldCount;
-            watchRemoving(object, i);
-            watchValue(*found, i);
+            watchField(object, *found, i);
         } else {
             watchAdding(object, i);
         }
@@ -233,7 +230,6 @@ private:
     {
         ++life->numBindings;
         for (ObjConnections &connections : objConnections) {
-            connections.death.disconnect();
             connections.add.disconnect();
             connections.remove.disconnect();
         }
@@ -249,23 +245,21 @@ private:
     void watchAdding(Object &object, std::size_t i)
     {
         objConnections[i].add = object.sigAddField.connect(
-            [this](auto const &sigData) { onObjSigAddField(sigData); }, {}, makeIndex(i));
+            [this](auto const &sigData) { onObjSigAddField(sigData); }, {}, new Index(i));
     }
-    void watchRemoving(Object &object, std::size_t i)
+    void watchField(Object &object, F &found, std::size_t i)
     {
+        const RefT<Class> index(new Index(i));
         objConnections[i].remove = object.sigRemoveField.connect(
-            [this](auto const &sigData) { onObjSigRemoveField(sigData); }, {}, makeIndex(i));
-    }
-    void watchValue(F &found, std::size_t i)
-    {
+            [this](auto const &sigData) { onObjSigRemoveField(sigData); }, {}, index);
         fieldConnections[i].set = found.sigSet.connect(
-            [this](auto const &sigData) { onFieldSigSet(sigData); }, {}, makeIndex(i));
-        // A removal isn't heard of where a listener before takes out another field meanwhile.
+            [this](auto const &sigData) { onFieldSigSet(sigData); }, {}, index);
+        // It goes with its object, and also where a removal isn't heard of, since a listener before
+        // takes out another field meanwhile.
         fieldConnections[i].death = found.sigDelete.connect(
-            [this](auto const &sigData) { noteDeath(indexOf(sigData)); }, {}, makeIndex(i));
+            [this](auto const &sigData) { onFieldSigDelete(sigData); }, {}, index);
     }
 
-    static RefT<Class> makeIndex(std::size_t i) { return new Index(i); }
     static std::size_t indexOf(SigVoidData const &sigData)
     {
         return static_cast<Index const &>(*sigData.ref).index;
@@ -276,17 +270,10 @@ private:
         return place < object.getNumFields() ? cast<F>(object.getField(place)) : nullptr;
     }
 
-    /// Others may keep the field of a dead object, which counts no longer all the same.
-    void onObjSigDelete(SigVoidData const &sigData)
+    /// Told with the next update.
+    void onFieldSigDelete(SigVoidData const &sigData)
     {
         const std::size_t i = indexOf(sigData);
-        boundObjs[i] = nullptr;
-        noteDeath(i);
-    }
-
-    /// Told with the next update.
-    void noteDeath(std::size_t i)
-    {
         fieldConnections[i].disconnect();
         if (tally.get(i))
             tally.empty(i);
@@ -294,7 +281,9 @@ private:
 
     void onFieldSigSet(SigVoidData const &sigData)
     {
-        tally.noteValue(indexOf(sigData));
+        const std::size_t i = indexOf(sigData);
+        if (tally.get(i))
+            tally.noteValue(i);
         tell();
     }
 
@@ -302,8 +291,6 @@ private:
     {
         const std::size_t i = indexOf(sigData);
         const PtrT<Object> object(boundObjs[i]);
-        if (!object)
-            return;
         const PtrT<F> added(fieldAt(*object, sigData.index));
         if (!added || added->name != field)
             return;
@@ -315,12 +302,12 @@ private:
         if (binding.isOver() || !object)
             return;
         if (added && added->owner == object.get()) {
-            watchValue(*added, i);
-            watchRemoving(*object, i);
+            watchField(*object, *added, i);
             tally.noteValue(i); // A listener of the update may have set it.
         } else {
             // A listener of the update took it out.
-            dropField(i, object);
+            tally.recount();
+            waitForField(i, object);
         }
     }
 
@@ -331,13 +318,14 @@ private:
             return;
         fieldConnections[i].disconnect();
         objConnections[i].remove.disconnect();
-        dropField(i, PtrT<Object>(boundObjs[i]));
+        tally.empty(i);
+        waitForField(i, PtrT<Object>(boundObjs[i]));
     }
 
-    void dropField(std::size_t i, PtrT<Object> const &object)
+    /// In place of one that is gone.
+    void waitForField(std::size_t i, PtrT<Object> const &object)
     {
         const Binding binding(*this);
-        tally.empty(i);
         --fieldCount;
         tell();
         if (!binding.isOver() && object)
@@ -379,7 +367,7 @@ private:
     bool bound = false;
     // One entry per object of the list, in its order. All empty while nothing is followed.
     FieldTallyT<F> tally;
-    std::vector<Object *> boundObjs; // Not owned. Null once the object is gone.
+    std::vector<Object *> boundObjs; // Not owned. Reads where it emits, else only compared.
     std::vector<ObjConnections> objConnections;
     std::vector<FieldConnections> fieldConnections;
     std::size_t fieldCount = 0; // Of slots filled, and not emptied since by a removal.

@@ -43,6 +43,7 @@ public:
             noteValue(i);
         }
     }
+    /// A filled one.
     void empty(std::size_t i)
     {
         fields[i].reset();
@@ -63,12 +64,16 @@ public:
         }
     }
 
-    /// Looks at all slots, also at those whose change wasn't noted.
+    /// Looks at all slots, also at those whose change wasn't noted. A field that left its object,
+    /// or outlives it, is taken out.
     void recount()
     {
         count = 0;
-        for (PtrT<F> const &field : fields)
+        for (PtrT<F> &field : fields) {
+            if (field && !field->owner)
+                field.reset();
             count += field ? 1 : 0;
+        }
         first = findFilled(0);
         isAgreed = false;
         takeFirstValue();
