@@ -1,5 +1,6 @@
 #include "ExplorerWindow.h"
 
+#include "FormPanel.h"
 #include "GraphPage.h"
 #include "Icons.h"
 #include "ModelFile.h"
@@ -41,6 +42,7 @@ ExplorerWindow::ExplorerWindow(std::shared_ptr<PackageModel> const &shownModel,
             [this](QString const &text) { statusBar()->showMessage(text, readingTime); });
     makeActions();
     makeTree();
+    makeForm();
     makeLog();
     // The graph goes with this window.
     page->getGraph().sigPopupMenu.connect(
@@ -145,6 +147,20 @@ void ExplorerWindow::makeTree()
     viewMenu->addAction(dock->toggleViewAction());
 }
 
+/// Below the tree.
+void ExplorerWindow::makeForm()
+{
+    auto *const dock = new QDockWidget(tr("Form"), this);
+    formPanel = new FormPanel(*model, dock);
+    formPanel->watch(page->getGraph());
+    formPanel->watch(treePanel->getTree());
+    connect(formPanel, &FormPanel::said, page, &GraphPage::said);
+    dock->setWidget(formPanel);
+    addDockWidget(Qt::RightDockWidgetArea, dock);
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    viewMenu->addAction(dock->toggleViewAction());
+}
+
 void ExplorerWindow::makeLog()
 {
     constexpr int fewLines = 96;
@@ -166,6 +182,7 @@ void ExplorerWindow::popupMenu(QPoint const &viewportPos)
 void ExplorerWindow::start(QString const &packageName)
 {
     page->showPackage(packageName.isEmpty() ? startPackage() : packageName);
+    formPanel->showObjects(page->getGraph().getSel());
 }
 
 ExplorerWindow *ExplorerWindow::openWindow()

@@ -12,6 +12,7 @@ class QToolBar;
 
 namespace Explorer {
 
+class FormPanel;
 class GraphPage;
 class TreePanel;
 
@@ -45,6 +46,7 @@ private:
     QAction *addAction(QMenu &menu, QString const &text, QKeySequence const &keys,
                        QString const &help, void (GraphPage::*slot)());
     void makeTree();
+    void makeForm();
     void makeLog();
     void popupMenu(QPoint const &viewportPos);
     QString startPackage() const;
@@ -52,6 +54,7 @@ private:
     const std::shared_ptr<PackageModel> model;
     const QString source;
     GraphPage *page;
+    FormPanel *formPanel = nullptr;
     TreePanel *treePanel = nullptr;
     QLabel *figures;
     QMenu *graphMenu = nullptr; // Serves as the graph's context menu, too.

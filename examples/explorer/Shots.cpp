@@ -1,12 +1,14 @@
 #include "Shots.h"
 
 #include "ExplorerWindow.h"
+#include "FormPanel.h"
 #include "GraphPage.h"
 #include "PackageGraph.h"
 #include "Style.h"
 #include "TreePanel.h"
 
 #include "zrVOMGUI/transfer/MimeData.h"
+#include "zrVOMGUI/widgets/PathListView.h"
 
 #include <QApplication>
 #include <QDir>
@@ -233,6 +235,62 @@ private:
     std::unique_ptr<QMimeData> mimeData;
 };
 
+/// A form by itself.
+class FormSubject : public FormPanel {
+public:
+    explicit FormSubject(PackageModel &shownModel)
+        : FormPanel(shownModel)
+        , model(shownModel)
+    {
+        resize(340, 460);
+        // Editors follow the model while they can be seen.
+        setAttribute(Qt::WA_DontShowOnScreen);
+        show();
+        rate("apt", 4.5);
+    }
+
+    void showPackages(std::initializer_list<char const *> names)
+    {
+        Objects packages;
+        for (char const *name : names)
+            packages.push_back(model.findPackage(name));
+        showObjects(packages);
+    }
+
+    /// Selects one path by a click, with the mouse on the next one.
+    void clickPath(int y)
+    {
+        QWidget &list = *getPathList().viewport();
+        constexpr int x = 8, nextRow = 20;
+        sendMouse(list, QEvent::MouseButtonPress, QPoint(x, y), Qt::LeftButton);
+        sendMouse(list, QEvent::MouseMove, QPoint(x, y + nextRow), Qt::NoButton);
+    }
+
+    /// Once the layout has followed what is shown.
+    void shoot(Album &album, QString const &name)
+    {
+        QApplication::sendPostedEvents();
+        album.add(name, *this);
+    }
+
+private:
+    static void sendMouse(QWidget &widget, QEvent::Type type, QPoint const &pos,
+                          Qt::MouseButton button)
+    {
+        QMouseEvent event(type, pos, button, button, Qt::NoModifier);
+        QApplication::sendEvent(&widget, &event);
+    }
+
+    void rate(char const *name, double value)
+    {
+        ZR::VOM::Object &package = *model.findPackage(name);
+        if (!package.findField("rating"))
+            ZR::VOM::addField<ZR::VOM::FieldReal>(package, "rating", value);
+    }
+
+    PackageModel &model;
+};
+
 /// What is taken pictures of.
 ///
 /// All of it is laid out before anything is painted or any timer runs: ties in the layout are
@@ -307,6 +365,10 @@ public:
         backLinks->fit();
         album.add("graph-back-links.png", *backLinks);
         shootTree(album);
+        shootForm(album);
+        window->setAttribute(Qt::WA_DontShowOnScreen);
+        window->show();
+        settle();
         window->grab(); // Lays out what the window holds; the graph then knows its size.
         album.add("window.png", *window);
     }
@@ -318,6 +380,9 @@ public:
         album.add("graph-scale2.png", *start);
         TreeSubject tree(model);
         album.add("tree-scale2.png", tree);
+        FormSubject form(model);
+        form.showPackages({"apt"});
+        form.shoot(album, "form-scale2.png");
     }
 
 private:
@@ -339,6 +404,28 @@ private:
         tree.endDrag();
         tree.edit();
         album.add("tree-editing.png", tree);
+    }
+
+    void shootForm(Album &album)
+    {
+        constexpr int clickedPath = 30; // From the top of the list.
+        FormSubject form(model);
+        form.showPackages({"apt"});
+        form.shoot(album, "form.png");
+        form.setLayoutDirection(Qt::RightToLeft);
+        form.shoot(album, "form-right-to-left.png");
+        form.setLayoutDirection(Qt::LeftToRight);
+        setDarkStyle(true);
+        form.shoot(album, "form-dark.png");
+        form.showPackages({"apt", "libc6", "curl", "git"});
+        form.getPathList().viewport()->grab();
+        form.clickPath(clickedPath);
+        form.shoot(album, "form-mixed-dark.png");
+        setDarkStyle(false);
+        form.clickPath(clickedPath);
+        form.shoot(album, "form-mixed.png");
+        form.showPackages({});
+        form.shoot(album, "form-empty.png");
     }
 
     /// Lets the timers run that end an animation of no length.

@@ -26,11 +26,12 @@ QPalette darkPalette()
 {
     const QColor window(0x36, 0x39, 0x3f), base(0x1c, 0x1e, 0x21), text(0xe4, 0xe6, 0xe9),
         faint(0x80, 0x84, 0x8b), accent(0x4c, 0x8d, 0xd6);
-    QPalette palette(text, window);
+    const QColor button = window.lighter(120);
+    QPalette palette(button, window);
     palette.setColor(QPalette::Base, base);
     palette.setColor(QPalette::AlternateBase, window);
+    palette.setColor(QPalette::WindowText, text);
     palette.setColor(QPalette::Text, text);
-    palette.setColor(QPalette::Button, window.lighter(120));
     palette.setColor(QPalette::ButtonText, text);
     palette.setColor(QPalette::ToolTipBase, window);
     palette.setColor(QPalette::ToolTipText, text);

@@ -21,6 +21,13 @@ private slots:
 namespace {
 
 const QStringList pictures = {"drag-pixmap.png",
+                              "form-dark.png",
+                              "form-empty.png",
+                              "form-mixed-dark.png",
+                              "form-mixed.png",
+                              "form-right-to-left.png",
+                              "form-scale2.png",
+                              "form.png",
                               "graph-back-links.png",
                               "graph-dark.png",
                               "graph-disabled.png",

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "PackageModel.h"
+
+#include "zrVOMGUI/foundation/vom/Path.h"
+#include "zrVOMGUI/trees/ObjectTreeView.h"
+
+#include <QWidget>
+
+class QGridLayout;
+class QGroupBox;
+class QLabel;
+
+namespace ZR::VOM::GUI {
+class PathListView;
+}
+
+namespace Explorer {
+
+class FieldSlot;
+class NumberEdit;
+class PackageGraph;
+
+/// A form on what is selected: what a package refers to, numbers of all selected objects, and the
+/// paths that lead to them.
+///
+/// Watches, beside the model, whatever the selection comes from. Owns none of it.
+class FormPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    using Tree = ZR::VOM::GUI::ObjectTreeView;
+    using Paths = std::vector<ZR::VOM::Path>;
+
+    explicit FormPanel(PackageModel &shownModel, QWidget *parent = nullptr);
+
+    /// \name Widgets to follow, which don't outlive the form
+    /// The form shows what was selected last, in whichever.
+    /// @{
+    void watch(PackageGraph &graph);
+    void watch(Tree &tree);
+    /// @}
+
+    void showPaths(Paths const &paths);
+    /// Packages with the way to them from their sections.
+    void showObjects(Objects const &objects);
+
+    FieldSlot &getMaintainerSlot() { return *maintainer; }
+    FieldSlot &getDependencySlot() { return *dependency; }
+    NumberEdit &getSizeEdit() { return *size; }
+    NumberEdit &getRatingEdit() { return *rating; }
+    ZR::VOM::GUI::PathListView &getPathList() { return *pathList; }
+
+signals:
+    /// For the user to read once.
+    void said(QString const &text);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QGroupBox *makePackageBox();
+    QGroupBox *makeNumberBox();
+    QGroupBox *makePathBox();
+    void addSlot(QGridLayout &grid, QString const &label, FieldSlot &slot);
+    void addNumber(QGridLayout &grid, QString const &label, NumberEdit &edit);
+    QLabel *addRow(QGridLayout &grid, QString const &label, QWidget &field, QWidget &more);
+    Paths pathsTo(Objects const &objects) const;
+    void showPackage(ZR::PtrT<Package> const &package);
+    QString titleOf(std::vector<ZR::PtrT<ZR::VOM::Object>> const &objects) const;
+
+    PackageModel &model;
+    QLabel *title;
+    FieldSlot *maintainer, *dependency;
+    NumberEdit *size, *rating;
+    ZR::VOM::GUI::PathListView *pathList;
+};
+
+} // namespace Explorer
