@@ -36,9 +36,9 @@ namespace ZR::VOM::GUI::Trees {
 template <class View>
 struct RowsT {
     using VoidRow = typename View::VoidRow;
-    using ParentRow = typename View::ParentRow; // How a constructor takes the parent.
+    using ParentRow = typename View::Traits::RowArgument; // How a constructor takes the parent.
     using RowHandle = typename View::RowHandle;
-    using OwnedRow = typename View::OwnedRow;
+    using OwnedRow = typename View::Traits::OwnedRow;
     using OwnedRows = std::vector<OwnedRow>;
     using Watch = typename VoidRow::Watch;
 
@@ -142,7 +142,7 @@ struct RowsT {
 template <class View>
 class RowsT<View>::ObjectRow : public VoidRow {
 public:
-    ObjectRow(View &view, ParentRow const &parent, VOM::Object &shownObj)
+    ObjectRow(View &view, ParentRow parent, VOM::Object &shownObj)
         : VoidRow(view, parent)
         , obj(shownObj)
     {
@@ -175,7 +175,7 @@ public:
 
     Path getPath() override
     {
-        if (lost && !View::lostRowsHavePaths)
+        if (lost && !View::Traits::lostRowsHavePaths)
             return Path(PtrT<VOM::Object>());
         const Path path = VoidRow::getPath();
         return isEmpty(path) ? Path(obj) : path;
@@ -281,7 +281,7 @@ private:
         const RefT<VOM::Object> held(obj);
         if (iconDirty) {
             QIcon icon;
-            tryCatch("ZR::VOM::GUI::ObjectTreeView::ObjectRow::onUpdate", [&] {
+            tryCatch(std::string(View::Traits::name) + "::ObjectRow::onUpdate", [&] {
                 if (RefT<ObjectIconDB> const db = view.getObjIconDB())
                     icon = db->find(held);
             });
@@ -291,8 +291,8 @@ private:
             iconDirty = false;
         }
         if (textDirty) {
-            this->setText(
-                getItemLabel(held, view.getNameField(), view.isTypeName(), View::hasAddress(view)));
+            this->setText(getItemLabel(held, view.getNameField(), view.isTypeName(),
+                                       View::Traits::hasAddress(view)));
             textDirty = false;
         }
         return true;
@@ -351,7 +351,7 @@ private:
 template <class View>
 class RowsT<View>::FieldRow : public VoidRow {
 public:
-    FieldRow(View &view, ParentRow const &parent, Field &shownField)
+    FieldRow(View &view, ParentRow parent, Field &shownField)
         : VoidRow(view, parent)
         , field(shownField)
     {
@@ -371,7 +371,7 @@ public:
 
     Path getPath() override
     {
-        if ((lost && !View::lostRowsHavePaths) || !field)
+        if ((lost && !View::Traits::lostRowsHavePaths) || !field)
             return Path(PtrT<VOM::Object>());
         VoidRow *const parent = this->getVoidParent();
         Path path = parent ? parent->getPath() : Path(PtrT<VOM::Object>());
@@ -413,7 +413,7 @@ template <class View>
 template <class FieldType, class Dirty>
 class RowsT<View>::LinkRow : public View::FieldRow {
 public:
-    LinkRow(View &view, ParentRow const &parent, FieldType &shownField)
+    LinkRow(View &view, ParentRow parent, FieldType &shownField)
         : View::FieldRow(view, parent, shownField)
     {
         const auto mark = [this](auto const &) { markChanged(); };
@@ -453,7 +453,7 @@ template <class View>
 template <class FieldType>
 class RowsT<View>::SingleLinkRow : public LinkRow<FieldType, DirtyValue> {
 public:
-    SingleLinkRow(View &view, ParentRow const &parent, FieldType &shownField)
+    SingleLinkRow(View &view, ParentRow parent, FieldType &shownField)
         : LinkRow<FieldType, DirtyValue>(view, parent, shownField)
     {
         this->setNumChildRows(1);
@@ -650,7 +650,7 @@ private:
         dirty = false;
         Rebuild<Class const *> children(view);
         for (OwnedRow &row : this->releaseChildRows())
-            if (View::keepsTopRows)
+            if (View::Traits::keepsTopRows)
                 keep(children, std::move(row));
         const std::vector<Class *> shown = items;
         for (Class *item : shown) {

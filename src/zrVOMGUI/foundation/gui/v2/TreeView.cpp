@@ -41,7 +41,7 @@ void TreeView::setSel(std::vector<Row *> const &rows)
     getEngine().setSel({rows.begin(), rows.end()});
 }
 
-TreeView::Row *TreeView::getCurrentRow()
+TreeView::Row *TreeView::getCurrentRow() const
 {
     return handleOf(getEngine().getCurrent());
 }

@@ -28,7 +28,7 @@ public:
 
     std::vector<Row *> getSel();
     void setSel(std::vector<Row *> const &rows);
-    Row *getCurrentRow();
+    Row *getCurrentRow() const;
     Row *findRow(QPoint const &pos);
     void setRowText(Row &row, std::string const &text);
     void editRow(Row *row, std::string const &text);
