@@ -10,13 +10,25 @@
 // - paint, scroll, hit test, select: with the list open; scroll goes anywhere and paints.
 // - replace one, replace hundred: so many changes of one value each, and one paint.
 // - closed objects: so many top rows, added and painted.
+//
+// The rows that begin with "v1" are of V1's item model, in a plain QTreeView that shows it:
+//
+// - v1 closed: as add closed, then a thousand times rowCount() and hasChildren() of the list.
+// - v1 open, v1 paint, v1 replace one: as those of the tree. Replacing is updated and painted.
+// - v1 replace hundred: a hundred values that lie apart, updated and painted.
+// - v1 insert in front: a hundred values come at the front; the first paint after it, in which each
+//   row is a hundred places from where it was found last.
+// - v1 positions: a thousand times the index of a row anywhere, from its address.
+// - v1 new list: each value is replaced; one insertion and one removal.
 
 #include "support/Table.h"
 
 #include "zrVOMGUI/trees/ObjectTreeView.h"
+#include "zrVOMGUI/trees/v1/ObjectTreeModel.h"
 
 #include <QApplication>
 #include <QScrollBar>
+#include <QTreeView>
 
 #include <cstdio>
 #include <cstdlib>
@@ -107,6 +119,81 @@ void measure(unsigned num, Table &table)
               }));
 }
 
+/// The list's row.
+QModelIndex showList(GUI::V1::ObjectTreeModel &model, RefT<Object> const &owner)
+{
+    model.setFieldName("name");
+    model.addRow(PtrT<Object>(owner), 0);
+    const QModelIndex top = model.index(0, 0, model.index(0, 0));
+    model.fetchMore(top);
+    return model.index(0, 0, top);
+}
+
+void measureV1Closed(RefT<Object> const &owner, unsigned num, Table &table)
+{
+    constexpr int repeat = 9;
+    table.add("v1 closed", num, timesOf(repeat, [&] {
+                  GUI::V1::ObjectTreeModel model;
+                  const QModelIndex index = showList(model, owner);
+                  for (int i = 0; i < 1000; ++i)
+                      if (model.rowCount(index) != 0 || !model.hasChildren(index))
+                          std::abort();
+              }));
+}
+
+void measureV1(unsigned num, Table &table)
+{
+    constexpr int repeat = 9;
+    const RefT<Object> owner(new Object);
+    MFieldRef &list = addField<MFieldRef>(*owner, "list", makeObjects(num));
+    measureV1Closed(owner, num, table);
+
+    GUI::V1::ObjectTreeModel model;
+    const QPersistentModelIndex listIndex = showList(model, owner);
+    QTreeView view;
+    view.setUniformRowHeights(true);
+    view.setModel(&model);
+    view.setRootIndex(model.index(0, 0));
+    view.resize(500, 700);
+    view.show();
+    view.expand(listIndex.parent());
+    const auto updateAndPaint = [&] {
+        model.update();
+        view.grab();
+    };
+    table.add("v1 open", num, timesOf(1, [&] {
+                  view.expand(listIndex);
+                  view.grab();
+              }));
+    table.add("v1 paint", num, timesOf(repeat, [&] { view.grab(); }));
+    table.add("v1 replace one", num, timesOf(3, [&] {
+                  list.replace(num / 2, 1, makeObjects(1));
+                  updateAndPaint();
+              }));
+    table.add("v1 replace hundred", num, timesOf(1, [&] {
+                  for (unsigned i = 0; i < 100; ++i)
+                      list.replace(i * (num / 100), 1, makeObjects(1));
+                  updateAndPaint();
+              }));
+    list.replace(0, 0, makeObjects(100));
+    model.update();
+    table.add("v1 insert in front", num, timesOf(1, [&] { view.grab(); }));
+    std::mt19937 generator(1);
+    table.add(
+        "v1 positions", num, timesOf(repeat, [&] {
+            for (int i = 0; i < 1000; ++i) {
+                const int row = int(generator() % num);
+                if (model.getIndex(model.getObjRow(model.index(row, 0, listIndex)).row).row() !=
+                    row)
+                    std::abort();
+            }
+        }));
+    table.add("v1 new list", num, timesOf(1, [&] {
+                  list.replace(0, list.getNum(), makeObjects(num));
+                  updateAndPaint();
+              }));
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -122,5 +209,7 @@ int main(int argc, char **argv)
     Table table;
     for (unsigned num = 10000; num <= largest; num *= 10)
         measure(num, table);
+    for (unsigned num = 10000; num <= largest; num *= 10)
+        measureV1(num, table);
     return 0;
 }

@@ -1,0 +1,526 @@
+#include "trees/v1/ModelScene.h"
+#include "zrVOMGUI/foundation/vom/XmlExporter.h"
+#include "zrVOMGUI/foundation/vom/XmlImporter.h"
+#include "zrVOMGUI/transfer/MimeData.h"
+#include "zrVOMGUI/transfer/MimeTypes.h"
+
+#include <QMimeData>
+
+#include <limits>
+#include <stdexcept>
+
+using namespace model_test;
+namespace MimeType = ZR::VOM::GUI::MimeType;
+
+namespace {
+
+/// What a host is told of a drop, or asked before one. Keeps what lies behind the pointers.
+struct DropTold {
+    explicit DropTold(ObjectTreeModel::SigDropData const &sigData)
+        : action(sigData.action)
+        , objs(*sigData.objs)
+        , copies(*sigData.copyObjs)
+        , fromXml(sigData.fromXml)
+        , rowPath(textOf(*sigData.rowPath))
+        , row(sigData.row)
+        , fieldPath(textOf(*sigData.fieldPath))
+        , index(sigData.index)
+    {
+    }
+    std::string place() const
+    {
+        return rowPath + ' ' + std::to_string(row) + ": " + fieldPath + ' ' +
+               std::to_string(static_cast<std::int64_t>(index));
+    }
+
+    Qt::DropAction action;
+    Things objs, copies;
+    bool fromXml;
+    std::string rowPath;
+    std::int64_t row;
+    std::string fieldPath;
+    std::uint64_t index;
+};
+
+/// A payload, and the lists that it names.
+struct Payload {
+    explicit Payload(Things const &dropped, Things const &copied = {},
+                     RefT<Exporter> const &exporter = {})
+        : objs(dropped)
+        , copies(copied)
+        , mime(GUI::createMimeData(exporter, &objs, copied.empty() ? nullptr : &copies))
+    {
+    }
+    Things objs, copies;
+    std::unique_ptr<QMimeData> mime;
+};
+
+struct DropScene : Scene {
+    explicit DropScene(RefT<Xml::Importer> const &importer = {})
+        : Scene({}, importer)
+    {
+        showFetched(3);
+        model->sigDrop.connect([this](auto const &sigData) { drops.emplace_back(sigData); });
+    }
+    bool canDrop(QMimeData const *mime, QModelIndex const &parent, int row = -1,
+                 Qt::DropAction action = Qt::CopyAction, int column = 0) const
+    {
+        return model->canDropMimeData(mime, action, row, column, parent);
+    }
+    bool drop(QMimeData const *mime, QModelIndex const &parent, int row = -1,
+              Qt::DropAction action = Qt::CopyAction, int column = 0)
+    {
+        return model->dropMimeData(mime, action, row, column, parent);
+    }
+    /// A host that notes what it is asked and answers by the target field.
+    void askHost(std::string const &allowedField)
+    {
+        model->sigCanDrop.connect([this, allowedField](auto const &sigData) {
+            asked.push_back(DropTold(sigData).place());
+            *sigData.result = sigData.fieldPath->getLast().field->name == allowedField;
+        });
+    }
+
+    std::vector<DropTold> drops;
+    std::vector<std::string> asked;
+};
+
+class NoDeepCopy : public Object {
+public:
+    RefT<Object> clone() override { throw std::runtime_error("no copy"); }
+};
+
+RefT<Xml::Importer> importerOfThings()
+{
+    const RefT<ClassRegistry> registry(new ClassRegistry);
+    registry->add<Thing>(ClassRegistry::Fields::Open);
+    return new XmlImporter(registry);
+}
+
+} // namespace
+
+/// What a drag from the model carries, and where drops may land.
+class tst_ObjectTreeModelDrops : public QObject {
+    Q_OBJECT
+
+private slots:
+    void dragCarriesObjectsInOrder();
+    void dragCarriesXmlWithAnExporter();
+    void deadObjectsAreCarriedAsNothing();
+    void fieldRowsCarryNothing();
+    void badIndexesCarryNothing();
+    void copiesThatFailAreLeftOut();
+    void dragListsStayUntilTheNextDrag();
+
+    void nullPayloadIsRefused();
+    void fieldRowsTakeDrops_data();
+    void fieldRowsTakeDrops();
+    void otherRowsRefuse();
+    void dropIsToldInFull();
+    void columnPlaysNoPart();
+    void payloadWithoutObjectsReachesTheRule();
+    void xmlIsReadWhereNoReferenceIs();
+    void badXmlRefuses();
+    void dropOfAnotherProcessNeedsAnImporter();
+
+    void hostAloneDecides();
+    void hostThatRaisesLeavesItsAnswer();
+    void dropIsTrueWhenTheHostRaises();
+    void nobodyCarriesADropOut();
+
+    void hiddenFieldsNeedTheHost();
+    void hiddenPlacesBecomeFields_data();
+    void hiddenPlacesBecomeFields();
+    void hiddenOntoTriesEachField();
+    void hiddenRefusedFieldsAreLeftOut();
+    void absurdRowsAreJudged();
+    void hostMayDestroyWhatItIsAsked();
+};
+
+void tst_ObjectTreeModelDrops::dragCarriesObjectsInOrder()
+{
+    DropScene scene;
+    const std::unique_ptr<QMimeData> mime(scene.model->mimeData(
+        {scene.at({0, 3, 1}), scene.at({0, 3}), scene.at({0}), scene.at({0, 3, 1})}));
+    Things objs, copies;
+    QVERIFY(GUI::getFromMimeData(*mime, objs));
+    QCOMPARE(objs, (Things{scene.e(), scene.a(), scene.e()}));
+    QVERIFY(GUI::getCopyFromMimeData(*mime, copies));
+    QCOMPARE(copies.size(), std::size_t(3));
+    QVERIFY(copies[0] && copies[0] != scene.e());
+    QVERIFY(copies[0] == copies[2]);
+    QVERIFY(!mime->hasFormat(MimeType::objectsXml));
+}
+
+void tst_ObjectTreeModelDrops::dragCarriesXmlWithAnExporter()
+{
+    Scene scene(RefT<Exporter>(new XmlExporter));
+    scene.show();
+    const std::unique_ptr<QMimeData> mime(scene.model->mimeData({scene.at({0})}));
+    QVERIFY(mime->hasFormat(MimeType::objects));
+    QVERIFY(mime->hasFormat(MimeType::objectCopies));
+    QVERIFY(mime->hasFormat(MimeType::objectsXml));
+}
+
+void tst_ObjectTreeModelDrops::deadObjectsAreCarriedAsNothing()
+{
+    DropScene scene;
+    const QModelIndex c = scene.at({0, 1, 0});
+    scene.c().reset();
+    const std::unique_ptr<QMimeData> mime(scene.model->mimeData({c, scene.at({0})}));
+    Things objs, copies;
+    QVERIFY(GUI::getFromMimeData(*mime, objs));
+    QCOMPARE(objs, (Things{{}, scene.a()}));
+    QVERIFY(GUI::getCopyFromMimeData(*mime, copies));
+    QVERIFY(copies.size() == 2 && !copies[0]);
+}
+
+void tst_ObjectTreeModelDrops::fieldRowsCarryNothing()
+{
+    DropScene scene;
+    const std::unique_ptr<QMimeData> mime(
+        scene.model->mimeData({scene.at({0, 3}), scene.at({0, 0})}));
+    Things objs{scene.a()};
+    QVERIFY(GUI::getFromMimeData(*mime, objs));
+    QVERIFY(objs.empty());
+}
+
+void tst_ObjectTreeModelDrops::badIndexesCarryNothing()
+{
+    DropScene scene, other;
+    const QModelIndex gone = scene.at({0, 3, 1});
+    scene.own().replace(0, 2, {});
+    scene.model->update();
+    const std::unique_ptr<QMimeData> mime(
+        scene.model->mimeData({QModelIndex(), gone, other.at({0}), scene.top()}));
+    Things objs{scene.a()};
+    QVERIFY(GUI::getFromMimeData(*mime, objs));
+    QVERIFY(objs.empty());
+}
+
+void tst_ObjectTreeModelDrops::copiesThatFailAreLeftOut()
+{
+    DropScene scene;
+    const RefT<Object> bad(new NoDeepCopy);
+    scene.model->addRow(PtrT<Object>(bad), 0);
+    const GUI::Reports reports;
+    const std::unique_ptr<QMimeData> mime(scene.model->mimeData({scene.at({0})}));
+    QCOMPARE(reports.texts,
+             std::vector<std::string>{"ZR::VOM::GUI::V1::ObjectTreeModel::mimeData: no copy"});
+    Things objs, copies{bad};
+    QVERIFY(GUI::getFromMimeData(*mime, objs));
+    QCOMPARE(objs, Things{bad});
+    QVERIFY(GUI::getCopyFromMimeData(*mime, copies));
+    QVERIFY(copies.empty());
+}
+
+void tst_ObjectTreeModelDrops::dragListsStayUntilTheNextDrag()
+{
+    DropScene scene;
+    const std::unique_ptr<QMimeData> mime(scene.model->mimeData({scene.at({0, 3, 0})}));
+    const PtrT<Object> d(scene.d());
+    scene.d().reset();
+    scene.own().replace(0, 2, {});
+    QVERIFY(d);
+    delete scene.model->mimeData({});
+    QVERIFY(!d);
+}
+
+void tst_ObjectTreeModelDrops::nullPayloadIsRefused()
+{
+    DropScene scene;
+    QVERIFY(!scene.canDrop(nullptr, scene.at({0, 3})));
+    QVERIFY(!scene.drop(nullptr, scene.at({0, 3})));
+}
+
+void tst_ObjectTreeModelDrops::fieldRowsTakeDrops_data()
+{
+    QTest::addColumn<int>("fieldRow");
+    QTest::addColumn<int>("row");
+    QTest::addColumn<int>("action");
+    QTest::addColumn<std::string>("place"); // Empty when refused.
+    const auto copy = int(Qt::CopyAction), move = int(Qt::MoveAction), ignore = 0;
+    QTest::newRow("onto an owning link") << 0 << -1 << copy << std::string("a/part -1: a/part -1");
+    QTest::newRow("onto a watching link, whatever the action")
+        << 1 << -1 << ignore << std::string("a/next -1: a/next -1");
+    QTest::newRow("onto a list") << 3 << -1 << copy << std::string("a/own -1: a/own -1");
+    QTest::newRow("into a list") << 3 << 2 << copy << std::string("a/own 2: a/own 2");
+    QTest::newRow("beyond a list") << 2 << 77 << copy << std::string("a/all 77: a/all 77");
+    QTest::newRow("moved beyond a list") << 3 << 77 << move << std::string();
+    QTest::newRow("moved into a list") << 3 << 1 << move << std::string("a/own 1: a/own 1");
+    QTest::newRow("ignored by a list") << 3 << 1 << ignore << std::string();
+}
+
+void tst_ObjectTreeModelDrops::fieldRowsTakeDrops()
+{
+    QFETCH(int, fieldRow);
+    QFETCH(int, row);
+    QFETCH(int, action);
+    QFETCH(std::string, place);
+    DropScene scene;
+    const Payload payload(makeThings("x"));
+    const QModelIndex parent = scene.at({0, fieldRow});
+    QCOMPARE(scene.canDrop(payload.mime.get(), parent, row, Qt::DropAction(action)),
+             !place.empty());
+    QVERIFY(scene.drops.empty());
+    QCOMPARE(scene.drop(payload.mime.get(), parent, row, Qt::DropAction(action)), !place.empty());
+    QCOMPARE(scene.drops.size(), std::size_t(place.empty() ? 0 : 1));
+    if (!place.empty())
+        QCOMPARE(scene.drops[0].place(), place);
+}
+
+void tst_ObjectTreeModelDrops::otherRowsRefuse()
+{
+    DropScene scene;
+    scene.askHost("own");
+    const Payload payload(makeThings("x"));
+    const QModelIndex gone = scene.at({0, 3, 1});
+    scene.own().replace(0, 2, {});
+    scene.model->update();
+    for (QModelIndex const &parent : {QModelIndex(), scene.top(), scene.at({0}), gone}) {
+        QVERIFY(!scene.canDrop(payload.mime.get(), parent));
+        QVERIFY(!scene.drop(payload.mime.get(), parent));
+    }
+    QVERIFY(scene.asked.empty());
+}
+
+void tst_ObjectTreeModelDrops::dropIsToldInFull()
+{
+    DropScene scene;
+    const Payload payload(makeThings("xy"), makeThings("zw"));
+    QVERIFY(scene.drop(payload.mime.get(), scene.at({0, 3}), 1, Qt::LinkAction));
+    DropTold const &told = scene.drops.at(0);
+    QCOMPARE(told.action, Qt::LinkAction);
+    QCOMPARE(told.objs, payload.objs);
+    QCOMPARE(told.copies, payload.copies);
+    QVERIFY(!told.fromXml);
+    QCOMPARE(told.place(), std::string("a/own 1: a/own 1"));
+}
+
+void tst_ObjectTreeModelDrops::columnPlaysNoPart()
+{
+    DropScene scene;
+    const Payload payload(makeThings("x"));
+    for (int column : {-1, 0, 7}) {
+        QVERIFY(scene.canDrop(payload.mime.get(), scene.at({0, 3}), 1, Qt::CopyAction, column));
+        QVERIFY(scene.drop(payload.mime.get(), scene.at({0, 3}), 1, Qt::CopyAction, column));
+    }
+}
+
+void tst_ObjectTreeModelDrops::payloadWithoutObjectsReachesTheRule()
+{
+    DropScene scene;
+    QMimeData text;
+    text.setText("x");
+    // No importer: a list takes no objects, and a single link wants one.
+    QVERIFY(scene.drop(&text, scene.at({0, 3}), 0));
+    QVERIFY(scene.drops.at(0).objs.empty());
+    QVERIFY(!scene.drop(&text, scene.at({0, 1})));
+}
+
+void tst_ObjectTreeModelDrops::xmlIsReadWhereNoReferenceIs()
+{
+    DropScene scene(importerOfThings());
+    const Payload payload(makeThings("x"), {}, RefT<Exporter>(new XmlExporter));
+    QVERIFY(scene.drop(payload.mime.get(), scene.at({0, 3}), 0));
+    QVERIFY(!scene.drops.at(0).fromXml);
+    QMimeData foreign;
+    foreign.setData(MimeType::objectsXml, payload.mime->data(MimeType::objectsXml));
+    QVERIFY(scene.canDrop(&foreign, scene.at({0, 3}), 0));
+    QVERIFY(scene.drop(&foreign, scene.at({0, 3}), 0));
+    QVERIFY(scene.drops.at(1).fromXml);
+    QCOMPARE(scene.drops[1].objs.size(), std::size_t(1));
+    QVERIFY(scene.drops[1].objs[0] != payload.objs[0]);
+    QVERIFY(scene.drops[1].copies.empty());
+}
+
+void tst_ObjectTreeModelDrops::badXmlRefuses()
+{
+    DropScene scene(importerOfThings());
+    scene.askHost("own");
+    QMimeData foreign;
+    foreign.setData(MimeType::objectsXml, "<nonsense");
+    QVERIFY(!scene.canDrop(&foreign, scene.at({0, 3}), 0));
+    QVERIFY(!scene.drop(&foreign, scene.at({0, 3}), 0));
+    QMimeData text;
+    text.setText("x");
+    QVERIFY(!scene.canDrop(&text, scene.at({0, 3}), 0));
+    QVERIFY(scene.asked.empty());
+}
+
+void tst_ObjectTreeModelDrops::dropOfAnotherProcessNeedsAnImporter()
+{
+    DropScene scene;
+    const Payload payload(makeThings("x"), {}, RefT<Exporter>(new XmlExporter));
+    QMimeData foreign;
+    foreign.setData(MimeType::objectsXml, payload.mime->data(MimeType::objectsXml));
+    QVERIFY(!scene.canDrop(&foreign, scene.at({0, 1})));
+}
+
+void tst_ObjectTreeModelDrops::hostAloneDecides()
+{
+    DropScene scene;
+    scene.askHost("own");
+    const Payload two(makeThings("xy"));
+    QVERIFY(scene.canDrop(two.mime.get(), scene.at({0, 3}), 9, Qt::IgnoreAction));
+    QVERIFY(!scene.canDrop(two.mime.get(), scene.at({0, 2}), 0));
+    QVERIFY(!scene.drop(two.mime.get(), scene.at({0, 2}), 0));
+    QCOMPARE(scene.asked, (std::vector<std::string>{"a/own 9: a/own 9", "a/all 0: a/all 0",
+                                                    "a/all 0: a/all 0"}));
+}
+
+void tst_ObjectTreeModelDrops::hostThatRaisesLeavesItsAnswer()
+{
+    for (bool answer : {false, true}) {
+        DropScene scene;
+        const Payload payload(makeThings("x"));
+        scene.model->sigCanDrop.connect([answer](auto const &sigData) {
+            if (answer)
+                *sigData.result = true;
+            throw std::runtime_error("no");
+        });
+        const GUI::Reports reports;
+        QCOMPARE(scene.canDrop(payload.mime.get(), scene.at({0, 3})), answer);
+        QCOMPARE(reports.texts,
+                 std::vector<std::string>{"ZR::VOM::GUI::V1::ObjectTreeModel::canDrop: no"});
+    }
+}
+
+void tst_ObjectTreeModelDrops::dropIsTrueWhenTheHostRaises()
+{
+    DropScene scene;
+    const Payload payload(makeThings("x"));
+    scene.model->sigDrop.connect([](auto const &) { throw std::runtime_error("no"); });
+    const GUI::Reports reports;
+    QVERIFY(scene.drop(payload.mime.get(), scene.at({0, 3})));
+    QCOMPARE(reports.texts,
+             std::vector<std::string>{"ZR::VOM::GUI::V1::ObjectTreeModel::dropMimeData: no"});
+}
+
+void tst_ObjectTreeModelDrops::nobodyCarriesADropOut()
+{
+    DropScene scene;
+    const Payload payload(makeThings("x"));
+    const std::string before = scene.dump();
+    QVERIFY(scene.drop(payload.mime.get(), scene.at({0, 3}), 0, Qt::MoveAction));
+    scene.model->update();
+    QCOMPARE(scene.dump(), before);
+}
+
+void tst_ObjectTreeModelDrops::hiddenFieldsNeedTheHost()
+{
+    DropScene scene;
+    scene.model->hideFields(true);
+    const Payload payload(makeThings("x"));
+    QVERIFY(!scene.canDrop(payload.mime.get(), scene.at({0}), 5));
+    QVERIFY(!scene.drop(payload.mime.get(), scene.at({0}), 5));
+    QVERIFY(scene.drops.empty());
+    scene.askHost("own");
+    QVERIFY(scene.drop(payload.mime.get(), scene.at({0}), 5));
+    QCOMPARE(scene.drops.at(0).place(), std::string("a 5: a/own 1"));
+}
+
+void tst_ObjectTreeModelDrops::hiddenPlacesBecomeFields_data()
+{
+    // The values: part 0, next 1, all 2 and 3, own 4 and 5.
+    QTest::addColumn<int>("row");
+    QTest::addColumn<std::string>("allowed");
+    QTest::addColumn<std::string>("asked");
+    const auto row = [](char const *name, int at, char const *allowed, char const *asked) {
+        QTest::newRow(name) << at << std::string(allowed) << std::string(asked);
+    };
+    row("before all", 0, "part", "a 0: a/part 0; ");
+    row("before all, refused", 0, "", "a 0: a/part 0; ");
+    row("seam, end of the first", 1, "part", "a 1: a/part 1; ");
+    row("seam, start of the second", 1, "next", "a 1: a/part 1; a 1: a/next 0; ");
+    row("seam of a link and a list", 2, "all", "a 2: a/next 1; a 2: a/all 0; ");
+    row("inside a list", 3, "all", "a 3: a/all 1; ");
+    row("inside a list, refused", 3, "own", "a 3: a/all 1; ");
+    row("seam of two lists", 4, "own", "a 4: a/all 2; a 4: a/own 0; ");
+    row("behind all", 6, "own", "a 6: a/own 2; ");
+    row("beyond all", 7, "own", "");
+}
+
+void tst_ObjectTreeModelDrops::hiddenPlacesBecomeFields()
+{
+    QFETCH(int, row);
+    QFETCH(std::string, allowed);
+    QFETCH(std::string, asked);
+    DropScene scene;
+    scene.model->hideFields(true);
+    scene.askHost(allowed);
+    const Payload payload(makeThings("x"));
+    const auto take = [&] {
+        std::string all;
+        for (std::string const &question : std::exchange(scene.asked, {}))
+            all += question + "; ";
+        return all;
+    };
+    const bool isAllowed =
+        !allowed.empty() && asked.find("a/" + allowed + ' ') != std::string::npos;
+    QCOMPARE(scene.canDrop(payload.mime.get(), scene.at({0}), row), isAllowed);
+    QCOMPARE(take(), asked);
+    QCOMPARE(scene.drop(payload.mime.get(), scene.at({0}), row), isAllowed);
+    QCOMPARE(take(), asked);
+    QCOMPARE(scene.drops.size(), std::size_t(isAllowed));
+    if (isAllowed)
+        QCOMPARE(scene.drops[0].fieldPath, "a/" + allowed);
+}
+
+void tst_ObjectTreeModelDrops::hiddenOntoTriesEachField()
+{
+    DropScene scene;
+    scene.model->hideFields(true);
+    scene.askHost("all");
+    const Payload payload(makeThings("x"));
+    QVERIFY(scene.drop(payload.mime.get(), scene.at({0}), -1));
+    QCOMPARE(scene.asked,
+             (std::vector<std::string>{"a -1: a/part -1", "a -1: a/next -1", "a -1: a/all -1"}));
+    QCOMPARE(scene.drops.at(0).index, std::numeric_limits<std::uint64_t>::max());
+}
+
+void tst_ObjectTreeModelDrops::hiddenRefusedFieldsAreLeftOut()
+{
+    DropScene scene;
+    scene.model->addAcceptedField("", "all");
+    scene.model->addAcceptedField("", "own");
+    scene.model->hideFields(true);
+    scene.askHost("own");
+    const Payload payload(makeThings("x"));
+    QVERIFY(scene.drop(payload.mime.get(), scene.at({0}), 3));
+    QCOMPARE(scene.asked, std::vector<std::string>{"a 3: a/own 1"});
+}
+
+void tst_ObjectTreeModelDrops::absurdRowsAreJudged()
+{
+    DropScene scene;
+    const Payload payload(makeThings("x"));
+    constexpr int lowest = std::numeric_limits<int>::min();
+    constexpr int highest = std::numeric_limits<int>::max();
+    // An index beyond the end appends, and what is negative is huge.
+    QVERIFY(scene.canDrop(payload.mime.get(), scene.at({0, 3}), lowest));
+    QVERIFY(scene.canDrop(payload.mime.get(), scene.at({0, 3}), highest));
+    scene.model->hideFields(true);
+    scene.askHost("own");
+    QVERIFY(scene.canDrop(payload.mime.get(), scene.at({0}), lowest));
+    QVERIFY(!scene.canDrop(payload.mime.get(), scene.at({0}), highest));
+}
+
+void tst_ObjectTreeModelDrops::hostMayDestroyWhatItIsAsked()
+{
+    DropScene scene;
+    scene.model->hideFields(true);
+    const Payload payload(makeThings("x"));
+    int numAsked = 0;
+    scene.model->sigCanDrop.connect([&](auto const &) {
+        ++numAsked;
+        scene.a().reset();
+        scene.model->update();
+    });
+    QVERIFY(!scene.canDrop(payload.mime.get(), scene.at({0}), -1));
+    QCOMPARE(numAsked, 1);
+    QCOMPARE(scene.dump(), std::string());
+}
+
+QTEST_MAIN(tst_ObjectTreeModelDrops)
+#include "tst_ObjectTreeModelDrops.moc"

@@ -1,0 +1,209 @@
+#include "trees/v1/ModelScene.h"
+
+#include <limits>
+
+using namespace model_test;
+
+/// What the host puts at the top.
+class tst_ObjectTreeModelTops : public QObject {
+    Q_OBJECT
+
+private slots:
+    void addsObjectsAtPositions();
+    void clampsThePosition();
+    void addsManyAtOnce();
+    void addsFieldsOfAllFourKinds();
+    void hiddenFieldsContributeTheirValues();
+    void hiddenTopFieldsArentWatched();
+    void emptyLinkIsARow();
+    void sameObjectTwiceHasTwoRows();
+    void itemsThatDieLeave();
+    void fieldsThatDieLeave();
+    void itemOfTwoRowsLeavesBoth();
+    void fieldThatLeavesItsObjectStays();
+    void rowsStayWhenOthersCome();
+    void clearResets();
+    void clearedItemsArentWatched();
+    void nothingIsOwned();
+};
+
+void tst_ObjectTreeModelTops::addsObjectsAtPositions()
+{
+    Scene scene;
+    Told told(*scene.model);
+    QCOMPARE(scene.model->addRow(PtrT<Object>(scene.c()), 0), std::size_t(0));
+    QCOMPARE(told.take(), std::string("insert top 0, added c"));
+    QCOMPARE(scene.model->addRow(PtrT<Object>(scene.b()), 0), std::size_t(0));
+    QCOMPARE(told.take(), std::string("insert top 0, added b, changed 'b'"));
+    QCOMPARE(scene.model->addRow(PtrT<Object>(scene.d()), 1), std::size_t(1));
+    QCOMPARE(scene.dump(), std::string("'b'+\n'd'\n'c'\n"));
+}
+
+void tst_ObjectTreeModelTops::clampsThePosition()
+{
+    Scene scene;
+    QCOMPARE(scene.model->addRow(PtrT<Object>(scene.c()), 7), std::size_t(0));
+    const std::size_t huge = std::numeric_limits<std::size_t>::max();
+    QCOMPARE(scene.model->addRow(PtrT<Object>(scene.d()), huge), std::size_t(1));
+    QCOMPARE(scene.model->addRow(scene.own(), huge), std::size_t(2));
+    QCOMPARE(scene.dump(), std::string("'c'\n'd'\nown+\n"));
+}
+
+void tst_ObjectTreeModelTops::addsManyAtOnce()
+{
+    Scene scene;
+    scene.model->addRow(PtrT<Object>(scene.a()), 0);
+    scene.model->addRow(PtrT<Object>(scene.b()), 1);
+    Told told(*scene.model);
+    scene.model->addRows({PtrT<Object>(scene.c()), PtrT<Object>(scene.d())}, 1);
+    QCOMPARE(told.take(), std::string("insert top 1, added c, insert top 2, added d"));
+    scene.model->addRows({}, 0);
+    scene.model->addRows({PtrT<Object>(scene.e())}, 99);
+    QCOMPARE(scene.dump(), std::string("'a'+\n'c'\n'd'\n'b'+\n'e'\n"));
+}
+
+void tst_ObjectTreeModelTops::addsFieldsOfAllFourKinds()
+{
+    Scene scene;
+    QCOMPARE(scene.model->addRow(scene.next(), 0), std::size_t(0));
+    QCOMPARE(scene.model->addRow(scene.part(), 1), std::size_t(1));
+    QCOMPARE(scene.model->addRow(scene.all(), 2), std::size_t(2));
+    QCOMPARE(scene.model->addRow(scene.own(), 3), std::size_t(3));
+    GUI::fetchRows(*scene.model, scene.top(), 2);
+    QCOMPARE(scene.dump(), std::string("next+\n.'c'\npart+\n.'b'+\n"
+                                       "all+\n.'b'+\n.'c'\nown+\n.'d'\n.'e'\n"));
+}
+
+void tst_ObjectTreeModelTops::hiddenFieldsContributeTheirValues()
+{
+    Scene scene;
+    scene.model->addRow(scene.own(), 0);
+    scene.model->addRow(PtrT<Object>(scene.b()), 1);
+    scene.model->addRow(scene.next(), 2);
+    scene.model->hideFields(true);
+    QCOMPARE(scene.dump(), std::string("'d'\n'e'\n'b'+\n'c'\n"));
+    scene.model->hideFields(false);
+    QCOMPARE(scene.dump(), std::string("own+\n'b'+\nnext+\n"));
+}
+
+void tst_ObjectTreeModelTops::hiddenTopFieldsArentWatched()
+{
+    Scene scene;
+    scene.model->hideFields(true);
+    scene.model->addRow(scene.own(), 0);
+    Told told(*scene.model);
+    const RefT<Object> d = scene.d();
+    scene.own().replace(0, 1, {});
+    scene.model->update();
+    QCOMPARE(told.take(), std::string());
+    scene.model->addRow(PtrT<Object>(scene.c()), 9);
+    QCOMPARE(scene.dump(), std::string("'e'\n'c'\n"));
+}
+
+void tst_ObjectTreeModelTops::emptyLinkIsARow()
+{
+    Scene scene;
+    scene.model->addRow(PtrT<Object>(), 0);
+    QCOMPARE(scene.dump(), std::string("void\n"));
+    scene.model->addRow(PtrT<Object>(scene.c()), 0);
+    QCOMPARE(scene.dump(), std::string("'c'\nvoid\n"));
+}
+
+void tst_ObjectTreeModelTops::sameObjectTwiceHasTwoRows()
+{
+    Scene scene;
+    scene.model->addRows({PtrT<Object>(scene.c()), PtrT<Object>(scene.c())}, 0);
+    QCOMPARE(scene.dump(), std::string("'c'\n'c'\n"));
+}
+
+void tst_ObjectTreeModelTops::itemsThatDieLeave()
+{
+    Scene scene;
+    scene.model->addRows({PtrT<Object>(scene.c()), PtrT<Object>(scene.a())}, 0);
+    Told told(*scene.model);
+    scene.c().reset();
+    QCOMPARE(told.take(), std::string("move top 1 to 0, removed c, remove top 1"));
+    QCOMPARE(scene.dump(), std::string("'a'+\n"));
+}
+
+void tst_ObjectTreeModelTops::fieldsThatDieLeave()
+{
+    Scene scene;
+    scene.model->addRow(scene.own(), 0);
+    scene.model->addRow(PtrT<Object>(scene.b()), 1);
+    GUI::fetchRows(*scene.model, scene.top(), 2);
+    scene.a().reset();
+    QCOMPARE(scene.dump(2), std::string("'b'+\n.back+\n"));
+}
+
+void tst_ObjectTreeModelTops::itemOfTwoRowsLeavesBoth()
+{
+    Scene scene;
+    scene.model->addRows(
+        {PtrT<Object>(scene.d()), PtrT<Object>(scene.e()), PtrT<Object>(scene.d())}, 0);
+    scene.own().replace(0, 1, {});
+    scene.d().reset();
+    QCOMPARE(scene.dump(), std::string("'e'\n"));
+}
+
+void tst_ObjectTreeModelTops::fieldThatLeavesItsObjectStays()
+{
+    Scene scene;
+    const RefT<Field> own(scene.own());
+    scene.model->addRow(scene.own(), 0);
+    removeField(*scene.a(), *own);
+    QCOMPARE(scene.dump(), std::string("own+\n"));
+    Path path{PtrT<Object>(scene.a())};
+    QVERIFY(scene.model->getPath(scene.at({0}), path));
+    QVERIFY(!path.getRoot());
+}
+
+void tst_ObjectTreeModelTops::rowsStayWhenOthersCome()
+{
+    Scene scene;
+    scene.showFetched(2);
+    ObjectTreeModel::ObjectRow *const row = scene.model->getObjRow(scene.at({0})).row;
+    scene.model->addRow(PtrT<Object>(scene.c()), 0);
+    QCOMPARE(scene.model->getObjRow(scene.at({1})).row, row);
+    QCOMPARE(scene.model->rowCount(scene.at({1})), 4);
+}
+
+void tst_ObjectTreeModelTops::clearResets()
+{
+    Scene scene;
+    scene.showFetched(3);
+    const QModelIndex old = scene.at({0});
+    Told told(*scene.model);
+    scene.model->clear();
+    QCOMPARE(told.take(), std::string("reset, clear"));
+    QCOMPARE(scene.model->rowCount(scene.top()), 0);
+    QVERIFY(!scene.model->hasChildren(scene.top()));
+    QVERIFY(!old.data().isValid());
+    scene.show();
+    QCOMPARE(told.take(), std::string("insert top 0, added a, changed 'a'"));
+}
+
+void tst_ObjectTreeModelTops::clearedItemsArentWatched()
+{
+    Scene scene;
+    scene.model->addRows({PtrT<Object>(scene.c()), PtrT<Object>(scene.d())}, 0);
+    scene.model->clear();
+    scene.model->addRow(PtrT<Object>(scene.d()), 0);
+    Told told(*scene.model);
+    scene.c().reset();
+    QCOMPARE(told.take(), std::string());
+    QCOMPARE(scene.dump(), std::string("'d'\n"));
+}
+
+void tst_ObjectTreeModelTops::nothingIsOwned()
+{
+    Scene scene;
+    const PtrT<Object> a(scene.a());
+    scene.showFetched(4);
+    scene.a().reset();
+    QVERIFY(!a);
+    QCOMPARE(scene.dump(), std::string());
+}
+
+QTEST_GUILESS_MAIN(tst_ObjectTreeModelTops)
+#include "tst_ObjectTreeModelTops.moc"
