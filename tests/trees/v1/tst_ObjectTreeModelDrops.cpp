@@ -1,10 +1,7 @@
-#include "trees/v1/ModelScene.h"
+#include "trees/v1/ModelDropScene.h"
 #include "zrVOMGUI/foundation/vom/XmlExporter.h"
 #include "zrVOMGUI/foundation/vom/XmlImporter.h"
-#include "zrVOMGUI/transfer/MimeData.h"
 #include "zrVOMGUI/transfer/MimeTypes.h"
-
-#include <QMimeData>
 
 #include <limits>
 #include <stdexcept>
@@ -13,77 +10,6 @@ using namespace model_test;
 namespace MimeType = ZR::VOM::GUI::MimeType;
 
 namespace {
-
-/// What a host is told of a drop, or asked before one. Keeps what lies behind the pointers.
-struct DropTold {
-    explicit DropTold(ObjectTreeModel::SigDropData const &sigData)
-        : action(sigData.action)
-        , objs(*sigData.objs)
-        , copies(*sigData.copyObjs)
-        , fromXml(sigData.fromXml)
-        , rowPath(textOf(*sigData.rowPath))
-        , row(sigData.row)
-        , fieldPath(textOf(*sigData.fieldPath))
-        , index(sigData.index)
-    {
-    }
-    std::string place() const
-    {
-        return rowPath + ' ' + std::to_string(row) + ": " + fieldPath + ' ' +
-               std::to_string(static_cast<std::int64_t>(index));
-    }
-
-    Qt::DropAction action;
-    Things objs, copies;
-    bool fromXml;
-    std::string rowPath;
-    std::int64_t row;
-    std::string fieldPath;
-    std::uint64_t index;
-};
-
-/// A payload, and the lists that it names.
-struct Payload {
-    explicit Payload(Things const &dropped, Things const &copied = {},
-                     RefT<Exporter> const &exporter = {})
-        : objs(dropped)
-        , copies(copied)
-        , mime(GUI::createMimeData(exporter, &objs, copied.empty() ? nullptr : &copies))
-    {
-    }
-    Things objs, copies;
-    std::unique_ptr<QMimeData> mime;
-};
-
-struct DropScene : Scene {
-    explicit DropScene(RefT<Xml::Importer> const &importer = {})
-        : Scene({}, importer)
-    {
-        showFetched(3);
-        model->sigDrop.connect([this](auto const &sigData) { drops.emplace_back(sigData); });
-    }
-    bool canDrop(QMimeData const *mime, QModelIndex const &parent, int row = -1,
-                 Qt::DropAction action = Qt::CopyAction, int column = 0) const
-    {
-        return model->canDropMimeData(mime, action, row, column, parent);
-    }
-    bool drop(QMimeData const *mime, QModelIndex const &parent, int row = -1,
-              Qt::DropAction action = Qt::CopyAction, int column = 0)
-    {
-        return model->dropMimeData(mime, action, row, column, parent);
-    }
-    /// A host that notes what it is asked and answers by the target field.
-    void askHost(std::string const &allowedField)
-    {
-        model->sigCanDrop.connect([this, allowedField](auto const &sigData) {
-            asked.push_back(DropTold(sigData).place());
-            *sigData.result = sigData.fieldPath->getLast().field->name == allowedField;
-        });
-    }
-
-    std::vector<DropTold> drops;
-    std::vector<std::string> asked;
-};
 
 class NoDeepCopy : public Object {
 public:
@@ -128,13 +54,7 @@ private slots:
     void dropIsTrueWhenTheHostRaises();
     void nobodyCarriesADropOut();
 
-    void hiddenFieldsNeedTheHost();
-    void hiddenPlacesBecomeFields_data();
-    void hiddenPlacesBecomeFields();
-    void hiddenOntoTriesEachField();
-    void hiddenRefusedFieldsAreLeftOut();
     void absurdRowsAreJudged();
-    void hostMayDestroyWhatItIsAsked();
 };
 
 void tst_ObjectTreeModelDrops::dragCarriesObjectsInOrder()
@@ -407,90 +327,6 @@ void tst_ObjectTreeModelDrops::nobodyCarriesADropOut()
     QCOMPARE(scene.dump(), before);
 }
 
-void tst_ObjectTreeModelDrops::hiddenFieldsNeedTheHost()
-{
-    DropScene scene;
-    scene.model->hideFields(true);
-    const Payload payload(makeThings("x"));
-    QVERIFY(!scene.canDrop(payload.mime.get(), scene.at({0}), 5));
-    QVERIFY(!scene.drop(payload.mime.get(), scene.at({0}), 5));
-    QVERIFY(scene.drops.empty());
-    scene.askHost("own");
-    QVERIFY(scene.drop(payload.mime.get(), scene.at({0}), 5));
-    QCOMPARE(scene.drops.at(0).place(), std::string("a 5: a/own 1"));
-}
-
-void tst_ObjectTreeModelDrops::hiddenPlacesBecomeFields_data()
-{
-    // The values: part 0, next 1, all 2 and 3, own 4 and 5.
-    QTest::addColumn<int>("row");
-    QTest::addColumn<std::string>("allowed");
-    QTest::addColumn<std::string>("asked");
-    const auto row = [](char const *name, int at, char const *allowed, char const *asked) {
-        QTest::newRow(name) << at << std::string(allowed) << std::string(asked);
-    };
-    row("before all", 0, "part", "a 0: a/part 0; ");
-    row("before all, refused", 0, "", "a 0: a/part 0; ");
-    row("seam, end of the first", 1, "part", "a 1: a/part 1; ");
-    row("seam, start of the second", 1, "next", "a 1: a/part 1; a 1: a/next 0; ");
-    row("seam of a link and a list", 2, "all", "a 2: a/next 1; a 2: a/all 0; ");
-    row("inside a list", 3, "all", "a 3: a/all 1; ");
-    row("inside a list, refused", 3, "own", "a 3: a/all 1; ");
-    row("seam of two lists", 4, "own", "a 4: a/all 2; a 4: a/own 0; ");
-    row("behind all", 6, "own", "a 6: a/own 2; ");
-    row("beyond all", 7, "own", "");
-}
-
-void tst_ObjectTreeModelDrops::hiddenPlacesBecomeFields()
-{
-    QFETCH(int, row);
-    QFETCH(std::string, allowed);
-    QFETCH(std::string, asked);
-    DropScene scene;
-    scene.model->hideFields(true);
-    scene.askHost(allowed);
-    const Payload payload(makeThings("x"));
-    const auto take = [&] {
-        std::string all;
-        for (std::string const &question : std::exchange(scene.asked, {}))
-            all += question + "; ";
-        return all;
-    };
-    const bool isAllowed =
-        !allowed.empty() && asked.find("a/" + allowed + ' ') != std::string::npos;
-    QCOMPARE(scene.canDrop(payload.mime.get(), scene.at({0}), row), isAllowed);
-    QCOMPARE(take(), asked);
-    QCOMPARE(scene.drop(payload.mime.get(), scene.at({0}), row), isAllowed);
-    QCOMPARE(take(), asked);
-    QCOMPARE(scene.drops.size(), std::size_t(isAllowed));
-    if (isAllowed)
-        QCOMPARE(scene.drops[0].fieldPath, "a/" + allowed);
-}
-
-void tst_ObjectTreeModelDrops::hiddenOntoTriesEachField()
-{
-    DropScene scene;
-    scene.model->hideFields(true);
-    scene.askHost("all");
-    const Payload payload(makeThings("x"));
-    QVERIFY(scene.drop(payload.mime.get(), scene.at({0}), -1));
-    QCOMPARE(scene.asked,
-             (std::vector<std::string>{"a -1: a/part -1", "a -1: a/next -1", "a -1: a/all -1"}));
-    QCOMPARE(scene.drops.at(0).index, std::numeric_limits<std::uint64_t>::max());
-}
-
-void tst_ObjectTreeModelDrops::hiddenRefusedFieldsAreLeftOut()
-{
-    DropScene scene;
-    scene.model->addAcceptedField("", "all");
-    scene.model->addAcceptedField("", "own");
-    scene.model->hideFields(true);
-    scene.askHost("own");
-    const Payload payload(makeThings("x"));
-    QVERIFY(scene.drop(payload.mime.get(), scene.at({0}), 3));
-    QCOMPARE(scene.asked, std::vector<std::string>{"a 3: a/own 1"});
-}
-
 void tst_ObjectTreeModelDrops::absurdRowsAreJudged()
 {
     DropScene scene;
@@ -504,22 +340,6 @@ void tst_ObjectTreeModelDrops::absurdRowsAreJudged()
     scene.askHost("own");
     QVERIFY(scene.canDrop(payload.mime.get(), scene.at({0}), lowest));
     QVERIFY(!scene.canDrop(payload.mime.get(), scene.at({0}), highest));
-}
-
-void tst_ObjectTreeModelDrops::hostMayDestroyWhatItIsAsked()
-{
-    DropScene scene;
-    scene.model->hideFields(true);
-    const Payload payload(makeThings("x"));
-    int numAsked = 0;
-    scene.model->sigCanDrop.connect([&](auto const &) {
-        ++numAsked;
-        scene.a().reset();
-        scene.model->update();
-    });
-    QVERIFY(!scene.canDrop(payload.mime.get(), scene.at({0}), -1));
-    QCOMPARE(numAsked, 1);
-    QCOMPARE(scene.dump(), std::string());
 }
 
 QTEST_MAIN(tst_ObjectTreeModelDrops)

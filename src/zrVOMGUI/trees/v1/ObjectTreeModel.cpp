@@ -185,6 +185,7 @@ void ObjectTreeModel::updateMarked()
 {
     struct Visit {
         RefT<Row> row;
+        unsigned numChanges;
         std::size_t next;
     };
     std::vector<Visit> visits;
@@ -193,7 +194,7 @@ void ObjectTreeModel::updateMarked()
         if (bits & Row::self)
             row->runUpdate(bits & Row::fetching);
         if (bits & Row::below)
-            visits.push_back({row, 0});
+            visits.push_back({row, row->numChanges, 0});
     };
     visit(RefT<Row>(root));
     while (!visits.empty()) {
@@ -201,10 +202,14 @@ void ObjectTreeModel::updateMarked()
         std::vector<RefT<Row>> const &siblings = top.row->children;
         while (top.next < siblings.size() && siblings[top.next]->pending == 0)
             ++top.next;
-        if (top.next < siblings.size())
+        if (top.next < siblings.size()) {
             visit(RefT<Row>(siblings[top.next++]));
-        else
-            visits.pop_back();
+            continue;
+        }
+        // A slot that changed the rows here may have moved marked ones to where none is looked for.
+        if (top.row->numChanges != top.numChanges)
+            top.row->requestUpdate(Row::below);
+        visits.pop_back();
     }
 }
 

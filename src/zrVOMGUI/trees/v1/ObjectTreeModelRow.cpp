@@ -124,6 +124,7 @@ void ObjectTreeModel::Row::insertRows(std::size_t pos, std::vector<RefT<Row>> co
     childCount = children.size();
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i]->lastPosition = pos + i;
+    ++numChanges;
     change.end();
     model->endInsertRows();
 
@@ -153,6 +154,7 @@ void ObjectTreeModel::Row::moveRows(std::size_t from, std::size_t count, std::si
     std::rotate(begin + before, begin + first, begin + last + 1);
     for (std::size_t i = 0; i < count; ++i)
         children[to + i]->lastPosition = to + i;
+    ++numChanges;
     change.end();
     model->endMoveRows();
 }
@@ -225,6 +227,7 @@ void ObjectTreeModel::Row::removeLast(std::size_t num, std::vector<ObjRow> const
     children.erase(first, children.end());
     childCount = children.size();
     dismantle(std::move(removed));
+    ++numChanges;
     change.end();
     model->endRemoveRows();
 }

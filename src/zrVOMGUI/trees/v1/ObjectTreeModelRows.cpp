@@ -141,6 +141,7 @@ void ObjectTreeModel::Root::clear()
         return;
     childCount = 0;
     dismantle(std::exchange(children, {}));
+    ++numChanges;
     model->endResetModel();
 }
 
@@ -229,7 +230,7 @@ ObjectTreeModel::ObjectRow::Fields ObjectTreeModel::ObjectRow::acceptedFields() 
     for (std::size_t i = 0; object && i < object->getNumFields(); ++i) {
         const PtrT<Field> other(object->getField(i));
         // Also what isn't what its type code says has no row.
-        if (model->isAccepted(other) && visitLinkField(*other, [](auto &) {}))
+        if (other != leaving && model->isAccepted(other) && visitLinkField(*other, [](auto &) {}))
             fields.push_back(other);
     }
     return fields;
@@ -331,6 +332,7 @@ void ObjectTreeModel::ObjectRow::onAddField(SigAddFieldData const &sigData)
         return;
     const RefT<Row> held(*this);
     const RefT<Field> added = object->getField(sigData.index);
+    leaving.reset();
     if (isLabel(*added)) {
         emitDataChanged();
         if (!isGone() && object)
@@ -346,6 +348,8 @@ void ObjectTreeModel::ObjectRow::onRemoveField(SigRemoveFieldData const &sigData
         return;
     const RefT<Row> held(*this);
     const RefT<Field> removed = *sigData.field;
+    // An update may come before the field has gone.
+    leaving = removed;
     if (isLabel(*removed)) {
         conLabel.disconnect();
         emitDataChanged();

@@ -72,6 +72,7 @@ public:
 
     const Kind kind;
     bool busy = false;
+    unsigned numChanges = 0; // How often rows came, went or moved among the children.
 
 private:
     friend class ObjectTreeModel;
@@ -188,6 +189,7 @@ private:
     bool isLabel(Field &other) const;
 
     Signal::Connection conAddField, conRemoveField, conLabel;
+    PtrT<Field> leaving;                       // Was said to go, and may still be in the object.
     std::map<Field const *, Links> linkFields; // In hide mode.
 };
 
