@@ -21,24 +21,29 @@ using Row = ObjectTreeView::Row;
 using RowHandle = ObjectTreeView::RowHandle;
 
 /// A view whose rows the tests can make by path.
-class Tree : public ObjectTreeView {
+template <class View>
+class TreeT : public View {
 public:
-    using ObjectTreeView::makeMimeData;
-    using ObjectTreeView::makeRow;
-    using ObjectTreeView::ObjectTreeView;
-    using ObjectTreeView::onCanDrop;
-    using ObjectTreeView::onDrop;
-    using ObjectTreeView::onEditRow;
-    using ObjectTreeView::onEditRowConfirm;
-    using ObjectTreeView::onRequestContextMenu;
+    using View::makeMimeData;
+    using View::makeRow;
+    using View::onCanDrop;
+    using View::onDrop;
+    using View::onEditRow;
+    using View::onEditRowConfirm;
+    using View::onRequestContextMenu;
+    using View::View;
 };
+using Tree = TreeT<ObjectTreeView>;
 
 /// a owns b by "part", watches c by "next", lists b, c by "all" (watching) and owns d, e by "own".
-/// The view shows a by its name, without its class.
-struct Scene {
-    explicit Scene(RefT<Exporter> const &exporter = {}, RefT<Xml::Importer> const &importer = {})
+/// The view, of either generation, shows a by its name, without its class.
+template <class View>
+struct SceneT {
+    using RowHandle = typename View::RowHandle;
+
+    explicit SceneT(RefT<Exporter> const &exporter = {}, RefT<Xml::Importer> const &importer = {})
         : things(makeThings("abcde"))
-        , view(std::make_unique<Tree>(exporter, importer))
+        , view(std::make_unique<TreeT<View>>(exporter, importer))
     {
         addField<FieldRef>(*a(), "part", b());
         addField<FieldPtr>(*a(), "next", PtrT<Object>(c()));
@@ -97,7 +102,8 @@ struct Scene {
     }
 
     Things things;
-    std::unique_ptr<Tree> view;
+    std::unique_ptr<TreeT<View>> view;
 };
+using Scene = SceneT<ObjectTreeView>;
 
 } // namespace tree_test
