@@ -11,6 +11,10 @@ private slots:
     void deadLinksAreFound();
     void linksLeadSomewhere_data();
     void linksLeadSomewhere();
+    void regionsAreFound();
+    void shownCodeIsCompiled_data();
+    void shownCodeIsCompiled();
+    void markedRegionsAreShown();
     void readmeShowsTheMinimalHost();
     void readmesCommandsAreThere_data();
     void readmesCommandsAreThere();
@@ -44,6 +48,75 @@ QStringList deadLinks(QString page, QDir const &folder)
             dead << target;
     }
     return dead;
+}
+
+// A page's blocks of C++.
+QStringList codeOf(QString const &page)
+{
+    QStringList blocks;
+    QRegularExpressionMatchIterator match = fencedCode.globalMatch(page);
+    while (match.hasNext()) {
+        const QRegularExpressionMatch block = match.next();
+        if (block.captured(1) == "cpp")
+            blocks << block.captured(2);
+    }
+    return blocks;
+}
+
+// Without the indentation that all lines have in common.
+QString dedented(QStringList lines)
+{
+    static const QRegularExpression text("\\S");
+    int indentation = INT_MAX;
+    for (QString const &line : lines)
+        if (line.contains(text))
+            indentation = qMin(indentation, line.indexOf(text));
+    for (QString &line : lines)
+        line.remove(0, qMin(indentation, line.size() - 1));
+    return lines.join("");
+}
+
+// What stands between a pair of lines `//! [NAME]`, by name.
+QMap<QString, QString> regionsOf(QString const &source)
+{
+    static const QRegularExpression mark("^\\s*//! \\[(\\w+)\\]$");
+    QMap<QString, QStringList> open;
+    QMap<QString, QString> regions;
+    for (QString const &line : source.split('\n')) {
+        const QRegularExpressionMatch match = mark.match(line);
+        if (match.hasMatch()) {
+            const QString name = match.captured(1);
+            if (open.contains(name))
+                regions[name] = dedented(open.take(name));
+            else
+                open[name] = QStringList();
+            continue;
+        }
+        for (QStringList &lines : open)
+            lines << line + '\n';
+    }
+    return regions;
+}
+
+// The sources whose code pages may show: the build compiles all of them.
+QStringList shownSources()
+{
+    QStringList sources;
+    for (char const *folder : {"examples", "tests/docs"}) {
+        QDirIterator iterator(root.filePath(folder), {"*.h", "*.cpp"}, QDir::Files,
+                              QDirIterator::Subdirectories);
+        while (iterator.hasNext())
+            sources << read(iterator.next());
+    }
+    return sources;
+}
+
+QStringList pagesWithCode()
+{
+    QStringList pages = {"README.md"};
+    for (QString const &page : QDir(root.filePath("docs")).entryList({"*.md"}, QDir::Files))
+        pages << "docs/" + page;
+    return pages;
 }
 
 } // namespace
@@ -83,17 +156,55 @@ void tst_Documents::linksLeadSomewhere()
     QCOMPARE(deadLinks(read(page), folder).join(' '), QString());
 }
 
+void tst_Documents::regionsAreFound()
+{
+    const QString source = "int a;\n"
+                           "    //! [outer]\n"
+                           "    int b;\n"
+                           "    //! [inner]\n"
+                           "        int c;\n"
+                           "\n"
+                           "    //! [inner]\n"
+                           "    //! [outer]\n"
+                           "//! [unclosed]\n";
+    QCOMPARE(regionsOf(source), (QMap<QString, QString>{{"outer", "int b;\n    int c;\n\n"},
+                                                        {"inner", "int c;\n\n"}}));
+}
+
+void tst_Documents::shownCodeIsCompiled_data()
+{
+    QTest::addColumn<QString>("code");
+    for (QString const &page : pagesWithCode()) {
+        int number = 0;
+        for (QString const &code : codeOf(read(page)))
+            QTest::addRow("%s, block %d", qPrintable(page), ++number) << code;
+    }
+}
+
+void tst_Documents::shownCodeIsCompiled()
+{
+    QFETCH(QString, code);
+    for (QString const &source : shownSources())
+        if (source == code || regionsOf(source).values().contains(code))
+            return;
+    QFAIL(qPrintable("This is no marked region of examples/ or tests/docs:\n" + code));
+}
+
+void tst_Documents::markedRegionsAreShown()
+{
+    QStringList shown;
+    for (QString const &page : pagesWithCode())
+        shown << codeOf(read(page));
+    for (QString const &source : shownSources()) {
+        const QMap<QString, QString> regions = regionsOf(source);
+        for (QString const &name : regions.keys())
+            QVERIFY2(shown.contains(regions[name]), qPrintable("no page shows " + name));
+    }
+}
+
 void tst_Documents::readmeShowsTheMinimalHost()
 {
-    QString shown;
-    QRegularExpressionMatchIterator match = fencedCode.globalMatch(read("README.md"));
-    while (match.hasNext()) {
-        const QRegularExpressionMatch block = match.next();
-        if (block.captured(1) == "cpp")
-            shown += block.captured(2);
-    }
-    QVERIFY(!shown.isEmpty());
-    QCOMPARE(shown, read("examples/minimal/main.cpp"));
+    QCOMPARE(codeOf(read("README.md")), QStringList(read("examples/minimal/main.cpp")));
 }
 
 void tst_Documents::readmesCommandsAreThere_data()
