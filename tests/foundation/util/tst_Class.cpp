@@ -5,6 +5,7 @@
 
 #include <QTest>
 
+#include <cstddef>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -57,6 +58,7 @@ private slots:
     void pointersReadTheObjectInSigDelete();
     void stackObjectEmitsSigDelete();
     void handDeletedObjectEmitsSigDelete();
+    void objectInGivenMemoryIsOwnedByNoReference();
     void stackObjectThatAnnouncesIsReadable();
     void sigDeleteDataCarriesWhatWasConnected();
     void memberOfADyingObjectEmitsItsOwnSigDelete();
@@ -143,6 +145,17 @@ void tst_Class::handDeletedObjectEmitsSigDelete()
     object->sigDelete.connect([&](SigVoidData const &) { ++calls; });
     delete object;
     QCOMPARE(calls, 1);
+    QCOMPARE(destructions, 1);
+}
+
+void tst_Class::objectInGivenMemoryIsOwnedByNoReference()
+{
+    alignas(Probe) std::byte memory[sizeof(Probe)];
+    Probe *const placed = new (memory) Probe(destructions);
+    QCOMPARE(static_cast<void *>(placed), static_cast<void *>(memory));
+    RefT<Probe>(placed).reset();
+    QCOMPARE(destructions, 0);
+    placed->~Probe();
     QCOMPARE(destructions, 1);
 }
 

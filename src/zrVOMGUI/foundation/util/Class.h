@@ -26,6 +26,10 @@ public:
     static void *operator new(std::size_t size);
     static void operator delete(void *memory);
 
+    /// Into memory of the caller's, where references own nothing.
+    static void *operator new(std::size_t, void *place) noexcept { return place; }
+    static void operator delete(void *, void *) noexcept {}
+
     /// Scoped lock on the list of pointers that watch one object, to be held for a few instructions
     /// only. A thread that holds it may take it again, and set pointers to the object.
     class ZRUTIL_EXPORT LockPtr {
