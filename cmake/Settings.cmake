@@ -6,6 +6,14 @@ option(ZRVOMGUI_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
 option(ZRVOMGUI_FUZZ "Build the fuzz targets; takes clang" OFF)
 option(ZRVOMGUI_WERROR "Treat warnings in our code as errors" ${PROJECT_IS_TOP_LEVEL})
 
+# Qt 5 is what this library is made for and described with; Qt 6 gives the same widgets. Qt's targets
+# are named by ${Qt}, as in ${Qt}::Widgets.
+set(ZRVOMGUI_QT_MAJOR 5 CACHE STRING "The major version of Qt: 5 or 6")
+set_property(CACHE ZRVOMGUI_QT_MAJOR PROPERTY STRINGS 5 6)
+set(Qt Qt${ZRVOMGUI_QT_MAJOR})
+set(Qt5_OLDEST 5.15)
+set(Qt6_OLDEST 6.4)
+
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
 endif()

@@ -65,34 +65,30 @@ void ExplorerWindow::makeFileMenu()
 {
     const QString filter = tr("Models (*.xml)");
     QMenu *const menu = menuBar()->addMenu(tr("&File"));
-    menu->addAction(
-        tr("&New window"), this, [this] { openWindow(); }, QKeySequence::New);
-    menu->addAction(
-        tr("&Open…"), this,
-        [this, filter] {
-            const QString path = QFileDialog::getOpenFileName(this, tr("Open a model"), {}, filter);
-            if (!path.isEmpty())
-                openFile(path);
-        },
-        QKeySequence::Open);
-    menu->addAction(
-        tr("&Save as…"), this,
-        [this, filter] {
-            const QString path =
-                QFileDialog::getSaveFileName(this, tr("Save the model"), {}, filter);
-            if (!path.isEmpty())
-                saveFile(path);
-        },
-        QKeySequence::Save);
+    const auto open = [this, filter] {
+        const QString path = QFileDialog::getOpenFileName(this, tr("Open a model"), {}, filter);
+        if (!path.isEmpty())
+            openFile(path);
+    };
+    const auto save = [this, filter] {
+        const QString path = QFileDialog::getSaveFileName(this, tr("Save the model"), {}, filter);
+        if (!path.isEmpty())
+            saveFile(path);
+    };
+    menu->addAction(tr("&New window"), this, [this] { openWindow(); })
+        ->setShortcut(QKeySequence::New);
+    menu->addAction(tr("&Open…"), this, open)->setShortcut(QKeySequence::Open);
+    menu->addAction(tr("&Save as…"), this, save)->setShortcut(QKeySequence::Save);
     menu->addSeparator();
-    menu->addAction(tr("&Close"), this, &QWidget::close, tr("Ctrl+W"));
-    menu->addAction(tr("&Quit"), qApp, &QApplication::closeAllWindows, tr("Ctrl+Q"));
+    menu->addAction(tr("&Close"), this, &QWidget::close)->setShortcut(tr("Ctrl+W"));
+    menu->addAction(tr("&Quit"), qApp, &QApplication::closeAllWindows)->setShortcut(tr("Ctrl+Q"));
 }
 
 QAction *ExplorerWindow::addAction(QMenu &menu, QString const &text, QKeySequence const &keys,
                                    QString const &help, void (GraphPage::*slot)())
 {
-    QAction *const action = menu.addAction(text, page, slot, keys);
+    QAction *const action = menu.addAction(text, page, slot);
+    action->setShortcut(keys);
     action->setToolTip(help + " (" + keys.toString(QKeySequence::NativeText) + ")");
     return action;
 }

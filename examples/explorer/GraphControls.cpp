@@ -2,6 +2,8 @@
 
 #include "PackageGraph.h"
 
+#include <zrVOMGUI/foundation/gui/QtVersion.h>
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
@@ -97,7 +99,7 @@ void GraphControls::fillLegend(IconRule rule)
     int i = 0;
     for (auto const &[icon, meaning] : iconLegend(rule)) {
         auto *const picture = new QLabel;
-        picture->setPixmap(icon.pixmap(window()->windowHandle(), QSize(edge, edge)));
+        picture->setPixmap(ZR::GUI::pixmapFor(*this, icon, QSize(edge, edge)));
         legend->addWidget(picture, i / numColumns, i % numColumns * 2);
         legend->addWidget(new QLabel(meaning), i / numColumns, i % numColumns * 2 + 1);
         ++i;

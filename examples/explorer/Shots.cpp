@@ -175,7 +175,7 @@ private:
     void send(QEvent::Type type, QPoint const &pos, Qt::MouseButton button,
               Qt::MouseButtons buttons)
     {
-        QMouseEvent event(type, pos, button, buttons, Qt::NoModifier);
+        QMouseEvent event(type, pos, viewport()->mapToGlobal(pos), button, buttons, Qt::NoModifier);
         QApplication::sendEvent(viewport(), &event);
     }
 

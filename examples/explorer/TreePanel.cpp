@@ -149,12 +149,10 @@ void TreePanel::addObjectActions(QMenu &menu, Tree::RowHandle const &row, Item c
     const QString name = QString::fromStdString(item.getName());
     if (dynamic_cast<Package const *>(&item))
         menu.addAction(tr("&Show in the graph"), this, [=] { emit packageChosen(name); });
-    menu.addAction(
-        tr("&Rename"), this,
-        [this, weakRow = std::weak_ptr<Tree::Row>(row), name] {
-            tree->editRow(weakRow.lock(), name.toStdString());
-        },
-        QKeySequence(Qt::Key_F2));
+    const auto rename = [this, weakRow = std::weak_ptr<Tree::Row>(row), name] {
+        tree->editRow(weakRow.lock(), name.toStdString());
+    };
+    menu.addAction(tr("&Rename"), this, rename)->setShortcut(Qt::Key_F2);
 }
 
 /// For a row that shows a value of a field.

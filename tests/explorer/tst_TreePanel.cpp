@@ -377,9 +377,10 @@ void tst_TreePanel::noMenuBesideTheRows()
 void tst_TreePanel::tooltipIsTheSummary()
 {
     const QPoint point = pointOf(pathTo("one", {{"packages", 0}}));
-    QMouseEvent move(QEvent::MouseMove, point, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    const QPoint global = tree().viewport()->mapToGlobal(point);
+    QMouseEvent move(QEvent::MouseMove, point, global, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(tree().viewport(), &move);
-    QHelpEvent help(QEvent::ToolTip, point, tree().viewport()->mapToGlobal(point));
+    QHelpEvent help(QEvent::ToolTip, point, global);
     QApplication::sendEvent(tree().viewport(), &help);
     QVERIFY((QToolTip::isVisible() ? QToolTip::text() : tree().viewport()->toolTip())
                 .contains("what x does"));

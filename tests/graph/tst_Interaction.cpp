@@ -365,7 +365,8 @@ void tst_Interaction::listenerMayDestroyTheView()
         QApplication::sendEvent(&scene.view(), &event);
     } else {
         const Qt::MouseButton button = deed == "menu" ? Qt::RightButton : Qt::LeftButton;
-        QMouseEvent event(QEvent::MouseButtonRelease, pos, button, {}, {});
+        QMouseEvent event(QEvent::MouseButtonRelease, pos, viewport->mapToGlobal(pos), button, {},
+                          {});
         QApplication::sendEvent(viewport, &event);
     }
     QVERIFY(!scene.graph);

@@ -122,7 +122,7 @@ void tst_ObjectGraphView::hasColourPropertiesForStyleSheets()
     for (std::size_t i = 0; i < expected.size(); ++i) {
         const QMetaProperty property = meta.property(meta.propertyOffset() + int(i));
         QCOMPARE(property.name(), expected[i].first);
-        QCOMPARE(property.type(), QVariant::Color);
+        QCOMPARE(property.userType(), int(QMetaType::QColor));
         QCOMPARE(property.read(&view).value<QColor>(), QColor(QRgb(expected[i].second)));
         const Asked asked = askedBy(view, [&] { property.write(&view, QColor(1, 2, 3, 4)); });
         QCOMPARE(property.read(&view).value<QColor>(), QColor(1, 2, 3, 4));

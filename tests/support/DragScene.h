@@ -88,7 +88,8 @@ struct DragScene {
         struct Opened : ObjectGraphView {
             using ObjectGraphView::mouseMoveEvent;
         };
-        QMouseEvent event(QEvent::MouseMove, pos, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+        QMouseEvent event(QEvent::MouseMove, pos, view->viewport()->mapToGlobal(pos), Qt::NoButton,
+                          Qt::LeftButton, Qt::NoModifier);
         (view->*&Opened::mouseMoveEvent)(&event);
     }
     /// Drags the node a little, and then lets go outside of everything. `act` runs inside Qt's
@@ -124,7 +125,8 @@ private:
     void sendMouse(QEvent::Type type, QPoint const &pos, Qt::MouseButton button)
     {
         const bool moves = type == QEvent::MouseMove;
-        QMouseEvent event(type, pos, moves ? Qt::NoButton : button, button, Qt::NoModifier);
+        QMouseEvent event(type, pos, view->viewport()->mapToGlobal(pos),
+                          moves ? Qt::NoButton : button, button, Qt::NoModifier);
         QApplication::sendEvent(view->viewport(), &event);
     }
 };

@@ -157,7 +157,8 @@ void GraphProgram::click(Dice &dice)
     watched.toTell = "selection;";
     const QPoint pos = QPoint(x, y) - QPoint(watched.view.horizontalScrollBar()->value(),
                                              watched.view.verticalScrollBar()->value());
-    QMouseEvent release(QEvent::MouseButtonRelease, pos, Qt::LeftButton, Qt::NoButton,
+    QMouseEvent release(QEvent::MouseButtonRelease, pos, watched.view.viewport()->mapToGlobal(pos),
+                        Qt::LeftButton, Qt::NoButton,
                         withControl ? Qt::ControlModifier : Qt::NoModifier);
     QCoreApplication::sendEvent(watched.view.viewport(), &release);
 }
@@ -210,7 +211,8 @@ void GraphProgram::clickArrow(Dice &dice)
         watched.toTell = '+' + joined(shown) + ';';
     const QPoint pos = arrow.pos - QPoint(watched.view.horizontalScrollBar()->value(),
                                           watched.view.verticalScrollBar()->value());
-    QMouseEvent release(QEvent::MouseButtonRelease, pos, Qt::LeftButton, Qt::NoButton, {});
+    QMouseEvent release(QEvent::MouseButtonRelease, pos, watched.view.viewport()->mapToGlobal(pos),
+                        Qt::LeftButton, Qt::NoButton, {});
     QCoreApplication::sendEvent(watched.view.viewport(), &release);
 }
 

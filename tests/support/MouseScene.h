@@ -71,7 +71,8 @@ struct MouseScene {
     void rightClick(QPoint const &pos) { click(pos, {}, Qt::RightButton); }
     void move(QPoint const &pos, Qt::MouseButtons buttons = Qt::NoButton)
     {
-        QMouseEvent event(QEvent::MouseMove, pos, Qt::NoButton, buttons, Qt::NoModifier);
+        QMouseEvent event(QEvent::MouseMove, pos, viewport()->mapToGlobal(pos), Qt::NoButton,
+                          buttons, Qt::NoModifier);
         QApplication::sendEvent(viewport(), &event);
     }
     void press(QPoint const &pos) { QTest::mousePress(viewport(), Qt::LeftButton, {}, pos); }

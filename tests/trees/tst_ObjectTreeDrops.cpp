@@ -1,4 +1,5 @@
 #include "support/ErrorReports.h"
+#include "support/QtVersion.h"
 #include "support/SentDrag.h"
 #include "trees/TreeScene.h"
 #include "zrVOMGUI/foundation/vom/XmlExporter.h"
@@ -61,7 +62,7 @@ public:
     mutable int numReads = 0;
 
 protected:
-    QVariant retrieveData(QString const &type, QVariant::Type kind) const override
+    QVariant retrieveData(QString const &type, MimeValueType kind) const override
     {
         ++numReads;
         return QMimeData::retrieveData(type, kind);

@@ -281,7 +281,9 @@ void tst_ObjectTreeView::tooltipIsTheFieldOfTheObject()
     scene.dump();
     const int height = scene.view->getRowHeight();
     const auto tipAt = [&](int y) {
-        QMouseEvent event(QEvent::MouseMove, QPoint(30, y), Qt::NoButton, Qt::NoButton, {});
+        const QPoint pos(30, y);
+        QMouseEvent event(QEvent::MouseMove, pos, scene.view->viewport()->mapToGlobal(pos),
+                          Qt::NoButton, Qt::NoButton, {});
         QApplication::sendEvent(scene.view->viewport(), &event);
         return scene.view->toolTip();
     };

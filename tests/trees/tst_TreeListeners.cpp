@@ -114,7 +114,9 @@ void tst_TreeListeners::viewMayDieInEachOfThem()
              view.setTooltipField("name");
              view.sigRow.connect(destroy);
              view.addRow(scene.b(), 0);
-             QMouseEvent move(QEvent::MouseMove, QPoint(30, 5), Qt::NoButton, Qt::NoButton, {});
+             const QPoint pos(30, 5);
+             QMouseEvent move(QEvent::MouseMove, pos, view.viewport()->mapToGlobal(pos),
+                              Qt::NoButton, Qt::NoButton, {});
              QApplication::sendEvent(view.viewport(), &move);
          }},
         {"a refused name",

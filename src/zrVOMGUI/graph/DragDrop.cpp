@@ -2,6 +2,7 @@
 // the routes to what is shown already. Neither changes the model.
 
 #include "zrVOMGUI/foundation/gui/GuardedDrag.h"
+#include "zrVOMGUI/foundation/gui/QtVersion.h"
 #include "zrVOMGUI/foundation/vom/Copy.h"
 #include "zrVOMGUI/graph/ObjectGraphView.h"
 #include "zrVOMGUI/graph/layout/Components.h"
@@ -73,7 +74,7 @@ void ObjectGraphView::dropEvent(QDropEvent *event)
     const AddedNodes added = add(objs, true);
     std::vector<RefT<Object>> shown;
     if (!added.hidden.empty()) {
-        shown = showRoutesTo(added.hidden, contentPos(event->pos()));
+        shown = showRoutesTo(added.hidden, contentPos(ZR::GUI::dropPos(*event)));
         layout(*added.hidden.begin());
         selCursor = 0;
     }

@@ -1,5 +1,6 @@
 #include "zrVOMGUI/widgets/ObjectView.h"
 
+#include "zrVOMGUI/foundation/gui/QtVersion.h"
 #include "zrVOMGUI/foundation/util/Error.h"
 #include "zrVOMGUI/presentation/ItemLabel.h"
 #include "zrVOMGUI/transfer/MimeData.h"
@@ -138,9 +139,7 @@ QPixmap ObjectView::onUpdateIcon()
             icon = objIconDB->find(RefT<Object>(value));
     });
     const int size = iconSizeOf(*this);
-    QWindow *const windowHandle = window()->windowHandle();
-    return windowHandle ? icon.pixmap(windowHandle, QSize(size, size))
-                        : icon.pixmap(size, size, QIcon::Normal, QIcon::Off);
+    return ZR::GUI::pixmapFor(*this, icon, QSize(size, size));
 }
 
 QString ObjectView::onUpdateText()
@@ -317,12 +316,13 @@ bool ObjectView::onCanDrop(std::vector<RefT<Object>> const &objects, bool, QDrop
 /// default. Users who hold Shift get a move or nothing.
 Qt::DropAction ObjectView::actionFor(QDropEvent const &event, Qt::DropActions possible) const
 {
+    const Qt::KeyboardModifiers modifiers = ZR::GUI::modifiersOf(event);
     Qt::DropAction wanted = defaultDropAction;
-    if (event.keyboardModifiers() == Qt::ShiftModifier)
+    if (modifiers == Qt::ShiftModifier)
         wanted = Qt::MoveAction;
-    else if (event.keyboardModifiers() == Qt::ControlModifier)
+    else if (modifiers == Qt::ControlModifier)
         wanted = Qt::CopyAction;
-    else if (event.keyboardModifiers() == Qt::AltModifier)
+    else if (modifiers == Qt::AltModifier)
         wanted = Qt::LinkAction;
     return Qt::DropAction(int(possible & wanted));
 }

@@ -1,5 +1,6 @@
 #include "zrVOMGUI/widgets/PathListView.h"
 
+#include "zrVOMGUI/foundation/gui/QtVersion.h"
 #include "zrVOMGUI/foundation/util/Error.h"
 #include "zrVOMGUI/foundation/util/LockBool.h"
 #include "zrVOMGUI/foundation/util/text.h"
@@ -155,11 +156,8 @@ PathListView::Cell PathListView::makeCell(RefT<Object> const &object,
         if (objIconDB)
             icon = objIconDB->find(object);
     });
-    if (!icon.isNull()) {
-        QWindow *const handle = window()->windowHandle();
-        const QSize size(iconSize, iconSize);
-        cell.pixmap = handle ? icon.pixmap(handle, size) : icon.pixmap(size);
-    }
+    if (!icon.isNull())
+        cell.pixmap = ZR::GUI::pixmapFor(*this, icon, QSize(iconSize, iconSize));
     createTextGeometry(cell);
     return cell;
 }
@@ -305,7 +303,7 @@ std::size_t PathListView::posToRow(int, int y) const
 
 void PathListView::mouseMoveEvent(QMouseEvent *event)
 {
-    const std::size_t row = posToRow(event->x(), event->y());
+    const std::size_t row = posToRow(event->pos().x(), event->pos().y());
     clearHighlighted();
     if (row != noRow)
         rows[row].highlighted = true;
@@ -316,7 +314,7 @@ void PathListView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return;
-    const std::size_t row = posToRow(event->x(), event->y());
+    const std::size_t row = posToRow(event->pos().x(), event->pos().y());
     clearHighlighted();
     if (event->modifiers() & Qt::ShiftModifier) {
         if (row != noRow)

@@ -3,6 +3,7 @@
 // Widgets that keep what a drag tells them, and a hand that moves the pointer while it runs.
 
 #include "zrVOMGUI/foundation/gui/Drag.h"
+#include "zrVOMGUI/foundation/gui/QtVersion.h"
 
 #include <QDragEnterEvent>
 #include <QMimeData>
@@ -54,7 +55,7 @@ private:
     void answer(char const *name, QDropEvent &event)
     {
         log += name + QString(" ") + nameOf(event.dropAction());
-        lastPos = event.pos();
+        lastPos = ZR::GUI::dropPos(event);
         const auto answerer = onEvent; // It may destroy this.
         answerer(event);
     }

@@ -335,9 +335,11 @@ void tst_TreeDragDrop::smallMovesDragNothing()
     const auto scene = makeScene(letters());
     const QPoint from = scene->at("b");
     QTest::mousePress(scene->viewport(), Qt::LeftButton, {}, from);
-    QMouseEvent move(QEvent::MouseMove, from + QPoint(2, 0), Qt::NoButton, Qt::LeftButton, {});
+    const QPoint to = from + QPoint(2, 0);
+    QMouseEvent move(QEvent::MouseMove, to, scene->viewport()->mapToGlobal(to), Qt::NoButton,
+                     Qt::LeftButton, {});
     QApplication::sendEvent(scene->viewport(), &move);
-    QTest::mouseRelease(scene->viewport(), Qt::LeftButton, {}, from + QPoint(2, 0));
+    QTest::mouseRelease(scene->viewport(), Qt::LeftButton, {}, to);
     QCOMPARE(scene->takeLog(), std::string());
 }
 

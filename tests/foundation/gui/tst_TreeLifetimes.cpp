@@ -46,7 +46,9 @@ void provoke(Scene &scene, std::string const &operation)
         QApplication::sendEvent(viewport, &event);
     } else if (operation == "makeMimeData b") {
         QTest::mousePress(viewport, Qt::LeftButton, {}, pos);
-        QMouseEvent move(QEvent::MouseMove, pos + QPoint(50, 0), Qt::NoButton, Qt::LeftButton, {});
+        const QPoint aside = pos + QPoint(50, 0);
+        QMouseEvent move(QEvent::MouseMove, aside, viewport->mapToGlobal(aside), Qt::NoButton,
+                         Qt::LeftButton, {});
         QApplication::sendEvent(viewport, &move);
     } else if (operation == "deleteRow") {
         scene.find("a")->dropChildren();

@@ -199,7 +199,9 @@ void tst_TreePainting::selectionPalesWithoutTheFocus()
 void tst_TreePainting::hoverIsTold()
 {
     const auto shown = scene(letters());
-    QMouseEvent move(QEvent::MouseMove, shown->at("c"), Qt::NoButton, Qt::NoButton, {});
+    const QPoint pos = shown->at("c");
+    QMouseEvent move(QEvent::MouseMove, pos, shown->viewport()->mapToGlobal(pos), Qt::NoButton,
+                     Qt::NoButton, {});
     QApplication::sendEvent(shown->viewport(), &move);
     listener->clear();
     grab(*shown);

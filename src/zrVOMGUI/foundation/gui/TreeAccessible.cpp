@@ -161,7 +161,7 @@ public:
         if (!settled())
             return nullptr;
         QWidget const &viewport = *engine->getView()->viewport();
-        const QPoint pos = viewport.mapFromGlobal({x, y});
+        const QPoint pos = viewport.mapFromGlobal(QPoint(x, y));
         return viewport.rect().contains(pos) ? engine->accessible(engine->rowAtView(pos)) : nullptr;
     }
     int indexOfChild(QAccessibleInterface const *iface) const override

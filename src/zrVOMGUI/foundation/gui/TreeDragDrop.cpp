@@ -1,5 +1,6 @@
 // Rows leave by a drag, and what comes is offered to the host, with the place where it would land.
 
+#include "zrVOMGUI/foundation/gui/QtVersion.h"
 #include "zrVOMGUI/foundation/gui/private/TreeBranch.h"
 #include "zrVOMGUI/foundation/gui/private/TreeEngine.h"
 
@@ -158,11 +159,11 @@ void TreeEngine::dragEnter(QDragEnterEvent &event)
 void TreeEngine::dragMove(QDragMoveEvent &event)
 {
     event.ignore();
-    dragPos = event.pos();
+    dragPos = dropPos(event);
     dragPayload = event.mimeData();
     dragActions = event.possibleActions();
-    dragButtons = event.mouseButtons();
-    dragModifiers = event.keyboardModifiers();
+    dragButtons = buttonsOf(event);
+    dragModifiers = modifiersOf(event);
     const DropPlace place = askDrop(event, dragPos);
     if (!view)
         return;
@@ -204,7 +205,7 @@ void TreeEngine::drop(QDropEvent &event)
     dragLeave();
     const Qt::DropAction action = event.dropAction();
     event.ignore();
-    const DropPlace place = askDrop(event, event.pos());
+    const DropPlace place = askDrop(event, dropPos(event));
     if (!place.row)
         return;
     // What was agreed upon while it moved; asking may have proposed another one.

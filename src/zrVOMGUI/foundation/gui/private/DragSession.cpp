@@ -1,5 +1,6 @@
 #include "zrVOMGUI/foundation/gui/private/DragSession.h"
 
+#include "zrVOMGUI/foundation/gui/QtVersion.h"
 #include "zrVOMGUI/foundation/util/LockBool.h"
 
 #include <QApplication>
@@ -145,12 +146,10 @@ bool DragSession::eventFilter(QObject *receiver, QEvent *event)
 
 bool DragSession::filterMouse(QObject *receiver, QMouseEvent const &event)
 {
-    pointer = {event.globalPos(), event.buttons(), event.modifiers()};
+    pointer = {globalPos(event), event.buttons(), event.modifiers()};
     if (event.type() == QEvent::MouseButtonRelease &&
         (!heldButtons || heldButtons & event.button())) {
-        release = std::make_unique<QMouseEvent>(event.type(), event.localPos(), event.windowPos(),
-                                                event.screenPos(), event.button(), event.buttons(),
-                                                event.modifiers(), event.source());
+        release = copyOf(event);
         releaseReceiver = receiver;
         end(End::Dropped);
         return true;

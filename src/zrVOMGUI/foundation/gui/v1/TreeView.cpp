@@ -1,5 +1,6 @@
 #include "zrVOMGUI/foundation/gui/v1/TreeView.h"
 
+#include "zrVOMGUI/foundation/gui/QtVersion.h"
 #include "zrVOMGUI/foundation/util/LockBool.h"
 
 #include <QHeaderView>
@@ -123,10 +124,10 @@ void TreeView::drawDragged(GuardedDrag::Load &load) const
                     std::clamp(pressPos.y() - bounds.y(), 0, bounds.height() - 1)};
     QPainter painter(&load.pixmap);
     for (QModelIndex const &index : indexes) {
-        QStyleOptionViewItem option = viewOptions();
+        QStyleOptionViewItem option = itemOptions(*this);
         option.rect = visualRect(index).translated(-bounds.topLeft());
         option.state |= QStyle::State_Selected;
-        itemDelegate(index)->paint(&painter, option, index);
+        delegateOf(*this, index)->paint(&painter, option, index);
     }
 }
 

@@ -34,7 +34,7 @@ public:
         Document document;
         readStart();
         while (nextChild()) {
-            if (xml.name() != Text::object)
+            if (xml.name() != QLatin1String(Text::object))
                 reports.fail(place, "an object should stand here");
             document.objects.push_back(readObject());
         }
@@ -53,7 +53,7 @@ private:
             reports.fail(place, "the document must be in UTF-8");
         nextTag = scanner.next();
         nextChild();
-        if (xml.name() != Text::model)
+        if (xml.name() != QLatin1String(Text::model))
             reports.fail(place, "a model should stand here");
         allowAttributes({Text::version});
         const std::string version = attribute(Text::version);
@@ -204,7 +204,9 @@ private:
     void allowAttributes(std::initializer_list<char const *> allowed)
     {
         for (QXmlStreamAttribute const &given : xml.attributes()) {
-            const auto isGiven = [&](char const *name) { return given.qualifiedName() == name; };
+            const auto isGiven = [&](char const *name) {
+                return given.qualifiedName() == QLatin1String(name);
+            };
             if (std::none_of(allowed.begin(), allowed.end(), isGiven))
                 reports.report(place, "the attribute " +
                                           quoted(given.qualifiedName().toString().toStdString()) +
