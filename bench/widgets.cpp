@@ -6,6 +6,7 @@
 // before, which is ten times smaller.
 //
 // - paths rebuilt, paths painted: the first paint after a list of paths was set, and the next ones.
+// - few objects rebuilt: so many paths that all lead through the same thousand objects.
 // - paths selected: a click, and the paint that shows it.
 // - editor bound, unbound: an editor is shown on so many objects, and hidden.
 // - pass in order: each object's value is read, in the list's order; for comparison.
@@ -91,6 +92,15 @@ void measurePaths(unsigned num, Table &table)
                   view.grab();
               }));
     table.add("paths painted", num, timesOf(repeat, [&] { view.grab(); }));
+    std::vector<Path> shared;
+    shared.reserve(num);
+    constexpr unsigned few = 1000;
+    for (unsigned i = 0; i < num; ++i)
+        shared.push_back(paths[i % few]);
+    table.add("few objects rebuilt", num, timesOf(repeat, [&] {
+                  view.set(shared);
+                  view.grab();
+              }));
     table.add("paths selected", num, timesOf(repeat, [&] {
                   click(*view.viewport(), {10, 350});
                   view.grab();

@@ -10,6 +10,7 @@
 #include <QDrag>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QStyle>
 
 #include <iostream>
 #include <memory>
@@ -17,6 +18,7 @@
 
 using namespace ZR::VOM;
 using namespace ZR::VOM::GUI;
+using ZR::PtrT;
 using ZR::RefT;
 using Objects = std::vector<RefT<Object>>;
 
@@ -147,6 +149,21 @@ private slots:
     void slotMayDieDuringItsDrag_data();
     void slotMayDieDuringItsDrag();
     void mimeTypesAreKept();
+
+    void derivedClassDecidesPictureTextAndDrop();
+    void iconIsAsLargeAsThatOfButtons();
+    void moveCountsBothWays();
+    void otherButtonsDontDrag();
+    void dragShowsTheObjectOnAPaleGround_data();
+    void dragShowsTheObjectOnAPaleGround();
+    void xmlComesInWhereTheReferenceMeansNothing();
+    void brokenReferencesAreRefused_data();
+    void brokenReferencesAreRefused();
+    void deadValueIsHarmless();
+    void objectThatIsDraggedLivesUntilTheEnd_data();
+    void objectThatIsDraggedLivesUntilTheEnd();
+    void listenerMayDestroyTheSlot_data();
+    void listenerMayDestroyTheSlot();
 
 private:
     /// Good until the next one is made: the list is named by its address.
@@ -580,6 +597,250 @@ void tst_ObjectView::mimeTypesAreKept()
     QCOMPARE(slot->getMimeTypes(), (std::set<std::string>{"a"}));
     slot->clearMimeTypes();
     QVERIFY(slot->getMimeTypes().empty());
+}
+
+// What derived classes and the mouse decide.
+
+void tst_ObjectView::derivedClassDecidesPictureTextAndDrop()
+{
+    class Own : public Slot {
+    public:
+        using Slot::Slot;
+
+    protected:
+        QPixmap onUpdateIcon() override
+        {
+            QPixmap pixmap(3, 5);
+            pixmap.fill(Qt::blue);
+            return pixmap;
+        }
+        QString onUpdateText() override { return "own"; }
+        bool onCanDrop(Objects const &objs, bool copied, QDropEvent &event) override
+        {
+            log += QString("can %1 %2").arg(objs.size()).arg(copied ? "copied" : "here");
+            event.setDropAction(Qt::MoveAction);
+            return true;
+        }
+        void onDrop(Objects const &objs, bool copied, QDropEvent &) override
+        {
+            log += QString("drop %1 %2").arg(objs.size()).arg(copied ? "copied" : "here");
+        }
+    };
+    Own own(nullptr, makeImporter());
+    own.setValue(things[0]);
+    QCOMPARE(own.text(), QString("own"));
+    QVERIFY(own.hasIcon());
+    const auto payload = payloadOf(things);
+    const DropResult result = dragOver(own, *payload);
+    QVERIFY(result.accepted);
+    QCOMPARE(result.action, Qt::MoveAction);
+    drop(own, *payload);
+    QCOMPARE(own.take(), QString("can 2 here drop 2 here"));
+    QCOMPARE(own.getValue().get(), things[0].get());
+    const std::unique_ptr<QMimeData> xml(
+        createMimeData(RefT<Exporter>(new XmlExporter), &things, nullptr));
+    xml->removeFormat(MimeType::objects);
+    dragOver(own, *xml);
+    drop(own, *xml);
+    QCOMPARE(own.take(), QString("can 2 copied drop 2 copied"));
+}
+
+void tst_ObjectView::iconIsAsLargeAsThatOfButtons()
+{
+    class LargeDB : public ObjectIconDB {
+    public:
+        QIcon find(RefT<Object> const &) const override
+        {
+            QPixmap pixmap(200, 200);
+            pixmap.fill(Qt::red);
+            return pixmap;
+        }
+    };
+    slot->setObjIconDB(RefT<ObjectIconDB>(new LargeDB));
+    slot->setValue(things[0]);
+    const int size = slot->style()->pixelMetric(QStyle::PM_ButtonIconSize);
+    QCOMPARE(slot->findChildren<QLabel *>().first()->pixmap(Qt::ReturnByValue).size(),
+             QSize(size, size));
+}
+
+void tst_ObjectView::moveCountsBothWays()
+{
+    slot->setDragEnabled(true, true);
+    slot->setValue(things[0]);
+    gui_test::press(*slot);
+    const gui_test::Hand hand(
+        {[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    const int half = (QApplication::startDragDistance() + 1) / 2;
+    gui_test::sendMouse(*window, QEvent::MouseMove, gui_test::centerOf(*slot) + QPoint(half, half));
+    QTRY_VERIFY(hand.isDone());
+    QVERIFY(site->text().contains("drop"));
+}
+
+void tst_ObjectView::otherButtonsDontDrag()
+{
+    slot->setDragEnabled(true, true);
+    slot->setValue(things[0]);
+    gui_test::sendMouse(*window, QEvent::MouseButtonPress, gui_test::centerOf(*slot),
+                        Qt::RightButton, Qt::RightButton);
+    gui_test::sendMouse(*window, QEvent::MouseMove, gui_test::centerOf(*site), Qt::NoButton,
+                        Qt::RightButton);
+    gui_test::sendMouse(*window, QEvent::MouseButtonRelease, gui_test::centerOf(*site),
+                        Qt::RightButton, Qt::NoButton);
+    QCOMPARE(site->text(), QString());
+}
+
+void tst_ObjectView::dragShowsTheObjectOnAPaleGround_data()
+{
+    dragCarriesTheObject_data();
+}
+
+void tst_ObjectView::dragShowsTheObjectOnAPaleGround()
+{
+    QFETCH(bool, intern);
+    slot->setObjIconDB(RefT<ObjectIconDB>(new RedDB));
+    slot->setDragEnabled(true, intern);
+    slot->setValue(things[0]);
+    QImage shown;
+    dragOut({[&] {
+                 if (auto const *const drag = slot->findChild<QDrag *>())
+                     shown = drag->pixmap().toImage();
+                 else if (auto const *const own = slot->findChild<ZR::GUI::Drag *>())
+                     shown = own->pixmap().toImage();
+             },
+             [&] { gui_test::release(*site); }});
+    const int size = slot->style()->pixelMetric(QStyle::PM_ButtonIconSize);
+    QVERIFY(shown.width() > size);
+    int numRed = 0, numPale = 0;
+    for (int y = 0; y < shown.height(); ++y) {
+        for (int x = 0; x < shown.width(); ++x) {
+            const QColor color = shown.pixelColor(x, y);
+            numRed += color == QColor(Qt::red);
+            numPale += std::abs(color.red() - 0xc0) < 3 && std::abs(color.green() - 0xe0) < 3 &&
+                       std::abs(color.blue() - 0xff) < 3 && std::abs(color.alpha() - 0x80) < 2;
+        }
+    }
+    QCOMPARE(numRed, size * size);
+    QVERIFY(numPale > 10);
+}
+
+// What comes in, and what dies.
+
+void tst_ObjectView::xmlComesInWhereTheReferenceMeansNothing()
+{
+    Output output;
+    const Objects one{things[0]};
+    const std::unique_ptr<QMimeData> payload(
+        createMimeData(RefT<Exporter>(new XmlExporter), &one, nullptr));
+    QByteArray bytes = payload->data(MimeType::objects);
+    bytes[0] = char(bytes[0] + 1);
+    payload->setData(MimeType::objects, bytes);
+    QVERIFY(!dragOver(*slot, *payload).accepted);
+    Slot other(nullptr, makeImporter());
+    QVERIFY(dragOver(other, *payload).accepted);
+    RefT<Object> dropped;
+    other.sigConfirm.connect([&](auto const &) { dropped = other.getValue(); });
+    drop(other, *payload);
+    QVERIFY(dropped && dropped != things[0]);
+}
+
+void tst_ObjectView::brokenReferencesAreRefused_data()
+{
+    QTest::addColumn<int>("size");
+    for (int size : {0, 1, 8, 15, 17, 32})
+        QTest::addRow("%d bytes", size) << size;
+}
+
+void tst_ObjectView::brokenReferencesAreRefused()
+{
+    QFETCH(int, size);
+    const auto payload = payloadOf({things[0]});
+    QByteArray bytes = payload->data(MimeType::objects);
+    QCOMPARE(bytes.size(), 16);
+    bytes.resize(size);
+    payload->setData(MimeType::objects, bytes);
+    QVERIFY(!dragOver(*slot, *payload).accepted);
+    drop(*slot, *payload);
+    QVERIFY(!slot->isSet());
+}
+
+void tst_ObjectView::deadValueIsHarmless()
+{
+    slot->setObjIconDB(RefT<ObjectIconDB>(new RedDB));
+    slot->setDragEnabled(true, true);
+    slot->setValue(things[0]);
+    things[0] = {};
+    slot->setTypeName(true);
+    slot->setFieldName("other");
+    slot->setObjIconDB({});
+    slot->grab();
+    Objects carried;
+    site->onEvent = [&](QDropEvent &event) {
+        getFromMimeData(*event.mimeData(), carried);
+        event.accept();
+    };
+    dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    QCOMPARE(carried, Objects{RefT<Object>()});
+    Output output;
+    QVERIFY(dragOver(*slot, *payloadOf({RefT<Object>()})).accepted);
+    slot->setFieldName("name");
+    slot->setValue(things[1]);
+    fieldOf<FieldString>(things[1], "name").set("new");
+    QCOMPARE(slot->text(), QString("Thing 'new'"));
+}
+
+void tst_ObjectView::objectThatIsDraggedLivesUntilTheEnd_data()
+{
+    dragCarriesTheObject_data();
+}
+
+void tst_ObjectView::objectThatIsDraggedLivesUntilTheEnd()
+{
+    QFETCH(bool, intern);
+    slot->setDragEnabled(true, intern);
+    slot->setValue(things[0]);
+    const PtrT<Object> watch(things[0]);
+    bool wasAlive = false;
+    site->onEvent = [&](QDropEvent &event) {
+        wasAlive = bool(watch);
+        event.accept();
+    };
+    dragOut({[&] { things[0] = {}; }, [&] { gui_test::moveTo(*site); },
+             [&] { gui_test::release(*site); }});
+    QVERIFY(wasAlive);
+    QVERIFY(!watch);
+    QVERIFY(!slot->getValue());
+}
+
+void tst_ObjectView::listenerMayDestroyTheSlot_data()
+{
+    QTest::addColumn<QString>("act");
+    for (char const *act : {"confirm", "drop", "move away", "move away within the process"})
+        QTest::newRow(act) << act;
+}
+
+void tst_ObjectView::listenerMayDestroyTheSlot()
+{
+    QFETCH(QString, act);
+    Output output;
+    slot->setValue(things[0]);
+    slot->sigConfirm.connect([&](auto const &) { delete slot.data(); });
+    if (act == "confirm") {
+        slot->confirm();
+    } else if (act == "drop") {
+        const auto payload = payloadOf({things[1]});
+        QDropEvent event(QPointF(1, 1), Qt::CopyAction, payload.get(), Qt::LeftButton, {});
+        slot->takeDrop(event);
+        QVERIFY(event.isAccepted());
+    } else {
+        slot->setDragEnabled(true, act.contains("process"));
+        site->onEvent = [](QDropEvent &event) {
+            event.setDropAction(Qt::MoveAction);
+            event.accept();
+        };
+        dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    }
+    QVERIFY(!slot);
+    QVERIFY(!fieldOf<FieldString>(things[0], "name").sigSet.hasSlots());
 }
 
 QTEST_MAIN(tst_ObjectView)

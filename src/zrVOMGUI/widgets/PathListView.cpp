@@ -7,6 +7,9 @@
 #include "zrVOMGUI/foundation/vom/linkFields.h"
 #include "zrVOMGUI/presentation/ItemLabel.h"
 
+#include <QFontMetrics>
+#include <QHash>
+#include <QIcon>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -47,6 +50,12 @@ struct PathListView::Pen {
     bool draws; // False for a row that is out of sight.
     int x, y;
     int rowHeight = 0;
+};
+
+struct PathListView::Memo {
+    const QFontMetrics metrics;
+    QHash<QString, QSize> sizes;    // Of texts, which take long to measure.
+    QHash<qint64, QPixmap> pixmaps; // By the cache keys of icons.
 };
 
 PathListView::PathListView(QWidget *parent)
@@ -101,18 +110,21 @@ void PathListView::onRefObjIconDBDelete(SigVoidData const &)
 /// any more: the next Shift click extends as it would have.
 void PathListView::collectDataFromPath()
 {
+    Memo memo{fontMetrics(), {}, {}};
     rows.clear();
     rows.reserve(paths.size());
-    for (Path const &path : paths) {
+    dirty = false;
+    // An icon database may set another list, which the next paint takes.
+    for (std::size_t i = 0; i < paths.size() && !dirty; ++i) {
+        const Path path = paths[i];
         Row row;
-        row.cells = makeCells(path);
+        row.cells = makeCells(path, memo);
         rows.push_back(std::move(row));
     }
-    dirty = false;
 }
 
 /// A cell for each step, and one for the object at the end of a path that doesn't end at a field.
-std::vector<PathListView::Cell> PathListView::makeCells(Path const &path) const
+std::vector<PathListView::Cell> PathListView::makeCells(Path const &path, Memo &memo) const
 {
     std::vector<Cell> cells;
     RefT<Object> object(path.getRoot());
@@ -128,7 +140,7 @@ std::vector<PathListView::Cell> PathListView::makeCells(Path const &path) const
             fieldText += _compose("[%1]", intToStr(static_cast<int>(step.index), 10));
         RefT<Object> next;
         const bool goesOn = follow(step, next);
-        cells.push_back(makeCell(object, fieldText));
+        cells.push_back(makeCell(object, fieldText, memo));
         object = next;
         if (!goesOn)
             break;
@@ -136,30 +148,40 @@ std::vector<PathListView::Cell> PathListView::makeCells(Path const &path) const
     if (path.getType() == Path::Object) {
         // KEPT: the last cell repeats the field of the one before, by which hosts' users know where
         // the object was found.
-        cells.push_back(makeCell(object, fieldText));
+        cells.push_back(makeCell(object, fieldText, memo));
     } else if (path.getType() == Path::Value) {
         const PtrT<Field> last = path.getLast().field;
         if (last && isLinkType(last->getType()))
-            cells.push_back(makeCell(object, {}));
+            cells.push_back(makeCell(object, {}, memo));
     }
     return cells;
 }
 
-PathListView::Cell PathListView::makeCell(RefT<Object> const &object,
-                                          std::string const &fieldText) const
+PathListView::Cell PathListView::makeCell(RefT<Object> const &object, std::string const &fieldText,
+                                          Memo &memo) const
 {
     Cell cell;
     cell.objectText = getItemLabel(object, fieldName, typeName, false);
     cell.fieldText = fieldText;
-    QIcon icon;
-    tryCatch("ZR::VOM::GUI::PathListView::makeCell", [&] {
-        if (objIconDB)
-            icon = objIconDB->find(object);
-    });
-    if (!icon.isNull())
-        cell.pixmap = ZR::GUI::pixmapFor(*this, icon, QSize(iconSize, iconSize));
-    createTextGeometry(cell);
+    cell.pixmap = makePixmap(object, memo);
+    createTextGeometry(cell, memo);
     return cell;
+}
+
+QPixmap PathListView::makePixmap(RefT<Object> const &object, Memo &memo) const
+{
+    QIcon icon;
+    const RefT<ObjectIconDB> db = objIconDB; // It may set another one.
+    tryCatch("ZR::VOM::GUI::PathListView::makeCell", [&] {
+        if (db)
+            icon = db->find(object);
+    });
+    if (icon.isNull())
+        return {};
+    QPixmap &pixmap = memo.pixmaps[icon.cacheKey()];
+    if (pixmap.isNull())
+        pixmap = ZR::GUI::pixmapFor(*this, icon, QSize(iconSize, iconSize));
+    return pixmap;
 }
 
 QString PathListView::displayText(Cell const &cell) const
@@ -168,11 +190,14 @@ QString PathListView::displayText(Cell const &cell) const
                                                : cell.objectText + ' ' + cell.fieldText);
 }
 
-void PathListView::createTextGeometry(Cell &cell) const
+void PathListView::createTextGeometry(Cell &cell, Memo &memo) const
 {
-    const QRect bound = fontMetrics().boundingRect(displayText(cell));
-    cell.width = bound.width();
-    cell.height = bound.height();
+    const QString text = displayText(cell);
+    auto size = memo.sizes.constFind(text);
+    if (size == memo.sizes.constEnd())
+        size = memo.sizes.insert(text, memo.metrics.boundingRect(text).size());
+    cell.width = size->width();
+    cell.height = size->height();
 }
 
 // Painting.

@@ -75,13 +75,15 @@ private:
         int x = 0, y = 0, width = 0, height = 0; // In the viewport, since the last paint.
         bool selected = false, highlighted = false;
     };
-    struct Pen; // Where the next thing is drawn.
+    struct Pen;  // Where the next thing is drawn.
+    struct Memo; // What many cells have in common, while rows are made.
 
     void collectDataFromPath();
-    std::vector<Cell> makeCells(Path const &path) const;
-    Cell makeCell(RefT<Object> const &object, std::string const &fieldText) const;
+    std::vector<Cell> makeCells(Path const &path, Memo &memo) const;
+    Cell makeCell(RefT<Object> const &object, std::string const &fieldText, Memo &memo) const;
+    QPixmap makePixmap(RefT<Object> const &object, Memo &memo) const;
     QString displayText(Cell const &cell) const;
-    void createTextGeometry(Cell &cell) const;
+    void createTextGeometry(Cell &cell, Memo &memo) const;
 
     void updateListView(QPainter &painter);
     void drawRow(QPainter &painter, Row &row, int y);
