@@ -1,5 +1,6 @@
 #include "ExplorerWindow.h"
 
+#include "FieldSlot.h"
 #include "FormPanel.h"
 #include "GraphPage.h"
 #include "Icons.h"
@@ -164,6 +165,8 @@ void ExplorerWindow::makeLog()
     auto *const log = new SignalLog(dock);
     log->watch(page->getGraph());
     log->watch(treePanel->getTree());
+    log->watch(formPanel->getMaintainerSlot());
+    log->watch(formPanel->getDependencySlot());
     dock->setWidget(log);
     addDockWidget(Qt::BottomDockWidgetArea, dock);
     resizeDocks({dock}, {fewLines}, Qt::Vertical);

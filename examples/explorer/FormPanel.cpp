@@ -8,18 +8,19 @@
 
 #include "zrVOMGUI/widgets/PathListView.h"
 
+#include <QAbstractScrollArea>
 #include <QCheckBox>
 #include <QEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPointer>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <map>
 
 namespace Explorer {
 
@@ -209,27 +210,35 @@ FormPanel::Paths FormPanel::pathsTo(Objects const &objects) const
     return paths;
 }
 
-/// A tree has no signal for its selection: it may change with any key and any click.
 void FormPanel::watch(Tree &tree)
 {
-    tree.installEventFilter(this);
-    tree.viewport()->installEventFilter(this);
+    watch(tree, [&tree] {
+        Paths paths;
+        tree.getSel(paths);
+        return paths;
+    });
 }
 
-bool FormPanel::eventFilter(QObject *watched, QEvent *event)
+void FormPanel::watch(QAbstractScrollArea &area, std::function<Paths()> const &getSel)
 {
-    if (event->type() == QEvent::MouseButtonRelease || event->type() == QEvent::KeyPress) {
-        auto *const tree = dynamic_cast<Tree *>(
-            watched->parent() && !dynamic_cast<Tree *>(watched) ? watched->parent() : watched);
-        // Once the tree has had the event.
-        if (tree)
-            QTimer::singleShot(0, tree, [this, tree] {
-                Paths paths;
-                tree->getSel(paths);
-                showPaths(paths);
-            });
+    for (QObject *source :
+         {static_cast<QObject *>(&area), static_cast<QObject *>(area.viewport())}) {
+        watched[source] = getSel;
+        source->installEventFilter(this);
     }
-    return QWidget::eventFilter(watched, event);
+}
+
+bool FormPanel::eventFilter(QObject *source, QEvent *event)
+{
+    const auto found = watched.find(source);
+    if (found != watched.end() &&
+        (event->type() == QEvent::MouseButtonRelease || event->type() == QEvent::KeyPress))
+        // Once the widget has had the event.
+        QTimer::singleShot(0, this, [=, alive = QPointer<QObject>(source)] {
+            if (alive)
+                showPaths(found->second());
+        });
+    return QWidget::eventFilter(source, event);
 }
 
 void FormPanel::showPaths(Paths const &paths)

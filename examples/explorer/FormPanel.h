@@ -7,6 +7,10 @@
 
 #include <QWidget>
 
+#include <functional>
+#include <map>
+
+class QAbstractScrollArea;
 class QGridLayout;
 class QGroupBox;
 class QLabel;
@@ -39,6 +43,8 @@ public:
     /// @{
     void watch(PackageGraph &graph);
     void watch(Tree &tree);
+    /// Any other, which has no signal for that: asked after each key and each click.
+    void watch(QAbstractScrollArea &area, std::function<Paths()> const &getSel);
     /// @}
 
     void showPaths(Paths const &paths);
@@ -56,7 +62,7 @@ signals:
     void said(QString const &text);
 
 protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
+    bool eventFilter(QObject *source, QEvent *event) override;
 
 private:
     QGroupBox *makePackageBox();
@@ -70,6 +76,7 @@ private:
     QString titleOf(std::vector<ZR::PtrT<ZR::VOM::Object>> const &objects) const;
 
     PackageModel &model;
+    std::map<QObject *, std::function<Paths()>> watched; // By widgets and their viewports.
     QLabel *title;
     FieldSlot *maintainer, *dependency;
     NumberEdit *size, *rating;

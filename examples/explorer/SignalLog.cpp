@@ -3,6 +3,7 @@
 #include "PackageGraph.h"
 
 #include "zrVOMGUI/trees/ObjectTreeView.h"
+#include "zrVOMGUI/widgets/ObjectView.h"
 
 #include <QFontDatabase>
 
@@ -79,6 +80,14 @@ void SignalLog::watch(ZR::VOM::GUI::ObjectTreeView &tree)
     });
     tree.sigDrop.connect([this](auto const &sigData) { write("sigDrop", describeDrop(sigData)); });
     tree.sigClear.connect([this](auto const &) { write("sigClear", {}); });
+}
+
+void SignalLog::watch(ZR::VOM::GUI::ObjectView &slot)
+{
+    slot.sigConfirm.connect([this, &slot](auto const &) {
+        auto const *const item = ZR::cast<Item>(slot.getValue());
+        write("sigConfirm", item ? QString::fromStdString(item->getName()) : tr("none"));
+    });
 }
 
 void SignalLog::write(QString const &signal, QString const &what)

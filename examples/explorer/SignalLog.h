@@ -4,7 +4,8 @@
 
 namespace ZR::VOM::GUI {
 class ObjectTreeView;
-}
+class ObjectView;
+} // namespace ZR::VOM::GUI
 
 namespace Explorer {
 
@@ -21,6 +22,7 @@ public:
     /// @{
     void watch(PackageGraph &graph);
     void watch(ZR::VOM::GUI::ObjectTreeView &tree);
+    void watch(ZR::VOM::GUI::ObjectView &slot);
     /// @}
 
 private:

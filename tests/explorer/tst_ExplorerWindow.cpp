@@ -1,8 +1,12 @@
 #include "ExplorerWindow.h"
+#include "FieldSlot.h"
+#include "FormPanel.h"
 #include "GraphPage.h"
 #include "ModelFile.h"
 #include "PackageGraph.h"
 #include "SignalLog.h"
+
+#include "zrVOMGUI/widgets/PathListView.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -58,6 +62,7 @@ private slots:
     void secondWindowSharesTheModel();
     void rightClickOpensTheMenu();
     void logTellsSignals();
+    void formBeginsWithThePackage();
     void darkStyleGoesAgain();
 
 private:
@@ -182,6 +187,16 @@ void tst_ExplorerWindow::logTellsSignals()
     QVERIFY(log->toPlainText().contains("sigSel"));
     window->getPage().clear();
     QVERIFY(log->toPlainText().contains("sigRemoveNode    2 objects"));
+    window->findChild<FieldSlot *>()->unlink();
+    QVERIFY(log->toPlainText().contains("sigConfirm       none"));
+}
+
+void tst_ExplorerWindow::formBeginsWithThePackage()
+{
+    QCOMPARE(window->findChild<FormPanel *>()->getPathList().get().size(), std::size_t(1));
+    window->start("b");
+    QCOMPARE(window->findChild<FormPanel *>()->getPathList().get()[0].getObj().get(),
+             window->getPage().getGraph().getModel().findPackage("b").get());
 }
 
 void tst_ExplorerWindow::darkStyleGoesAgain()
