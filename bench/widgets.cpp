@@ -67,8 +67,8 @@ Objects makeObjects(unsigned num)
 
 void click(QWidget &widget, QPoint const &pos)
 {
-    QMouseEvent press(QEvent::MouseButtonPress, pos, Qt::LeftButton, Qt::LeftButton,
-                      Qt::NoModifier);
+    QMouseEvent press(QEvent::MouseButtonPress, pos, widget.mapToGlobal(pos), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&widget, &press);
 }
 

@@ -277,7 +277,7 @@ private:
     static void sendMouse(QWidget &widget, QEvent::Type type, QPoint const &pos,
                           Qt::MouseButton button)
     {
-        QMouseEvent event(type, pos, button, button, Qt::NoModifier);
+        QMouseEvent event(type, pos, widget.mapToGlobal(pos), button, button, Qt::NoModifier);
         QApplication::sendEvent(&widget, &event);
     }
 
