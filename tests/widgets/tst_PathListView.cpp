@@ -560,7 +560,7 @@ void tst_PathListView::shiftClickExtends()
         const Qt::KeyboardModifiers modifiers = word.startsWith('^')   ? Qt::ShiftModifier
                                                 : word.startsWith('+') ? Qt::ControlModifier
                                                                        : Qt::NoModifier;
-        scene.click(word.rightRef(1).toUInt(), modifiers);
+        scene.click(word.right(1).toUInt(), modifiers);
     }
     QTEST(scene.view.getSelectedRows(), "selected");
     QTEST(Access::selectedCount(scene.view), "count");
