@@ -74,6 +74,10 @@ private:
             heardEvents() << "state" + name;
         else if (event->type() == QAccessible::SelectionWithin)
             heardEvents() << "selection";
+        else if (event->type() == QAccessible::ObjectReorder)
+            heardEvents() << "order";
+        else if (event->type() == QAccessible::NameChanged)
+            heardEvents() << "name" + name;
     }
 
     QAccessible::UpdateHandler before;
@@ -95,7 +99,9 @@ private slots:
     void nothingLiesOutside();
     void interfacesEndWithTheirRows();
     void interfacesEndWithTheView();
+    void rowsOutOfSightTellTheirText();
     void changesAreTold();
+    void newRowsAndNamesAreTold();
 };
 
 void tst_TreeAccessible::tellsTextLevelAndState()
@@ -182,6 +188,37 @@ void tst_TreeAccessible::interfacesEndWithTheView()
     QVERIFY(!QAccessible::accessibleInterface(id));
 }
 
+void tst_TreeAccessible::rowsOutOfSightTellTheirText()
+{
+    std::vector<ItemPtr> model = items("x", 300);
+    model[250]->children = {item("below")};
+    const auto scene = makeScene(model);
+    QAccessibleInterface &row = *treeOf(*scene)->child(250);
+    QCOMPARE(row.text(QAccessible::Name), QString("x250"));
+    QVERIFY(row.state().collapsed);
+    // And makes its children when it comes into sight.
+    scene->view()->verticalScrollBar()->setValue(250 * scene->view()->getRowHeight());
+    scene->row("x250").setOpen(true);
+    scene->lines();
+    QVERIFY(scene->find("below"));
+}
+
+void tst_TreeAccessible::newRowsAndNamesAreTold()
+{
+    const auto scene = makeScene(letters());
+    scene->lines();
+    treeOf(*scene)->child(0); // Somebody asks about "a".
+    QCoreApplication::processEvents();
+    const Listener listener;
+    scene->find("a")->changeText("other");
+    QCOMPARE(Listener::take(), QString("name other"));
+    scene->find("e")->changeText("nobody asked");
+    QCOMPARE(Listener::take(), QString());
+    scene->row("c").setOpen(true);
+    QCoreApplication::processEvents();
+    QVERIFY(Listener::take().contains("order"));
+}
+
 void tst_TreeAccessible::changesAreTold()
 {
     const auto scene = makeScene(letters());
@@ -194,6 +231,7 @@ void tst_TreeAccessible::changesAreTold()
     scene->key(Qt::Key_Down);
     Listener::take();
     scene->key(Qt::Key_Right); // Opens "c".
+    QCoreApplication::processEvents();
     QVERIFY(Listener::take().contains("state c"));
     scene->select({"a", "b", "e"});
     QCoreApplication::processEvents();

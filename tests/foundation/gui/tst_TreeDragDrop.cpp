@@ -84,6 +84,9 @@ private slots:
     void indicatorIsShownAndGoes();
     void closedRowsOpenUnderThePointer();
     void edgesScroll();
+    void scrollingAsksAboutTheRowThatComesUnderTheDrag();
+    void scrollingOpensOnlyWhatTheDragRestsOn();
+    void hiddenRowsAreOfferedByTheRowThatIsSeen();
     void dragsCarryTheSelection();
     void smallMovesDragNothing();
     void withoutPayloadNothingIsDragged();
@@ -259,6 +262,65 @@ void tst_TreeDragDrop::edgesScroll()
     QCOMPARE(bar.value(), 0);
 }
 
+void tst_TreeDragDrop::scrollingAsksAboutTheRowThatComesUnderTheDrag()
+{
+    const auto scene = makeScene(items("x", 100));
+    const int height = scene->view()->getRowHeight();
+    scene->view()->resize(200, 10 * height);
+    scene->lines();
+    Visitor visitor(*scene);
+    const QPoint edge(10, scene->viewport()->height() - 2);
+    visitor.enter(edge);
+    visitor.move(edge);
+    scene->takeLog();
+    QScrollBar const &bar = *scene->view()->verticalScrollBar();
+    QTRY_VERIFY(bar.value() > 2 * height);
+    const std::string log = scene->takeLog();
+    const std::string under = scene->nameOf(scene->findRow({10, edge.y() + bar.value()}));
+    QVERIFY2(log.find("canDrop") != std::string::npos, log.c_str());
+    // The last question was about the present row, or the gap below it.
+    const std::string last = log.substr(log.rfind("canDrop "));
+    const std::string number = std::to_string(std::stoi(under.substr(1)) + 1);
+    QVERIFY2(last == "canDrop " + under || last == "canDrop root[" + number + "]", last.c_str());
+}
+
+void tst_TreeDragDrop::scrollingOpensOnlyWhatTheDragRestsOn()
+{
+    std::vector<ItemPtr> model;
+    for (int i = 0; i < 60; ++i)
+        model.push_back(item("x" + std::to_string(i), {item("y" + std::to_string(i))}));
+    const auto scene = makeScene(model);
+    const int height = scene->view()->getRowHeight();
+    scene->view()->resize(200, 10 * height);
+    scene->lines();
+    Visitor visitor(*scene);
+    const QPoint edge(10, scene->viewport()->height() - 2);
+    visitor.enter(edge);
+    visitor.move(edge);
+    // Longer than it takes to open a row, and too short to reach the end.
+    QTest::qWait(1200);
+    QVERIFY(scene->view()->verticalScrollBar()->value() <
+            scene->view()->verticalScrollBar()->maximum());
+    for (int i = 0; i < 60; ++i)
+        QVERIFY(!scene->find("y" + std::to_string(i)));
+}
+
+void tst_TreeDragDrop::hiddenRowsAreOfferedByTheRowThatIsSeen()
+{
+    const auto scene =
+        makeScene({opened(item("a", {hiddenItem(item("h", {item("b"), item("c")})), item("d")}))});
+    QCOMPARE(scene->lines(), std::string("a b c d"));
+    Visitor visitor(*scene);
+    scene->takeLog();
+    visitor.enter(scene->at("c"));
+    visitor.move(scene->at("c", 0));
+    QCOMPARE(scene->takeLog(), std::string("canDrop a[0]"));
+    visitor.move(scene->at("c"));
+    QCOMPARE(scene->takeLog(), std::string("canDrop c"));
+    visitor.move(scene->at("d", 4));
+    QCOMPARE(scene->takeLog(), std::string("canDrop a[2]"));
+}
+
 namespace {
 
 /// Leads the button's press over the window, step by step, while the drag's own loop runs.
@@ -301,7 +363,7 @@ private:
         if (step <= 6)
             QTest::mouseMove(window, from + (to - from) * step / 6);
         else if (step == 7 && cancels)
-            QDrag::cancel();
+            QTest::keyClick(window, Qt::Key_Escape);
         else if (step == 8)
             QTest::mouseRelease(window, Qt::LeftButton, {}, to);
         else if (step == 9)

@@ -52,6 +52,7 @@ private slots:
     void closingTakesSelectionAndCurrentRowAlong();
     void asteriskOpensABranchWithoutEnd();
     void typingFindsRows();
+    void typingLeavesRowsTheirChildren();
     void typingSurvivesRowsThatDie();
     void theCurrentRowIsScrolledTo();
     void whatBeginsOutOfSightIsScrolledToSideways();
@@ -315,6 +316,24 @@ void tst_TreeInput::typingFindsRows()
     QTest::qWait(QApplication::keyboardInputInterval() + 50);
     QTest::keyClicks(scene->view(), "zz");
     QCOMPARE(scene->current(), std::string("a b"));
+}
+
+/// Rows that were asked for their text only are asked again when they come into sight.
+void tst_TreeInput::typingLeavesRowsTheirChildren()
+{
+    std::vector<ItemPtr> model = items("x", 100);
+    model.push_back(opened(item("branch", {item("leaf")})));
+    model.push_back(item("end"));
+    model[50]->children = {hiddenItem(item("hidden", {item("shown")}))};
+    const auto scene = makeScene(model);
+    scene->lines();
+    scene->logUpdates = true;
+    scene->key(Qt::Key_E);
+    QCOMPARE(scene->current(), std::string("end"));
+    scene->takeLog();
+    scene->view()->verticalScrollBar()->setValue(50 * scene->view()->getRowHeight());
+    scene->findRow({0, 0});
+    QVERIFY(scene->takeLog().find("update x50 wanted") != std::string::npos);
 }
 
 void tst_TreeInput::typingSurvivesRowsThatDie()
