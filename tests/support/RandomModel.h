@@ -109,6 +109,10 @@ private:
                 link->set(any());
                 return "set a watching link";
             }
+            if (auto *const link = dynamic_cast<ZR::VOM::FieldRef *>(&field)) {
+                link->set(any());
+                return "set an owning link";
+            }
         }
         return "nothing";
     }

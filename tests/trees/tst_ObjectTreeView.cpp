@@ -1,7 +1,10 @@
+#include "support/SentDrag.h"
 #include "trees/TreeScene.h"
+#include "zrVOMGUI/transfer/MimeData.h"
 
 #include <QContextMenuEvent>
 #include <QLineEdit>
+#include <QPointer>
 
 #include <stdexcept>
 
@@ -34,6 +37,9 @@ private slots:
     void listenersMayDestroyTheView_data();
     void listenersMayDestroyTheView();
     void viewMayDieBeforeItsRows();
+    void editedObjectMayDie();
+    void objectMayDieUnderADrag();
+    void closedObjectsHaveNoChildRows();
 };
 
 void tst_ObjectTreeView::defaults()
@@ -440,6 +446,74 @@ void tst_ObjectTreeView::viewMayDieBeforeItsRows()
     scene.own().replace(0, 2, {});
     QVERIFY(!row->getTreeView());
     top->setOpen(true);
+}
+
+void tst_ObjectTreeView::editedObjectMayDie()
+{
+    Scene scene;
+    RefT<Object> dying = makeThing("x");
+    scene.view->addRow(dying, 0);
+    scene.dump();
+    const RowHandle row = scene.row(Path(PtrT<Object>(dying)));
+    scene.view->onEditRow(*row);
+    QPointer<QLineEdit> editor = scene.view->findChild<QLineEdit *>();
+    QVERIFY(editor);
+    editor->setText("new");
+    dying = {};
+    QTest::keyClick(editor.data(), Qt::Key_Return);
+    QCOMPARE(scene.dump(), std::string());
+    scene.view->onEditRowConfirm(*row, "newer");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!editor);
+}
+
+void tst_ObjectTreeView::objectMayDieUnderADrag()
+{
+    Scene scene;
+    scene.show();
+    scene.open(scene.path());
+    scene.open(scene.path("next"));
+    scene.dump();
+    Things dragged{scene.e()};
+    const std::unique_ptr<QMimeData> mime(GUI::createMimeData({}, &dragged, nullptr));
+    // Over the row of c, below a, part and next.
+    const int height = scene.view->getRowHeight();
+    const QPoint over(100, 3 * height + height / 2);
+    SentDrag drag(*scene.view);
+    QVERIFY(drag.enter(over, mime.get()));
+    drag.move(over, mime.get());
+    scene.things[2] = {};
+    drag.move(over, mime.get());
+    QCOMPARE(scene.dump(), std::string("'a' .part .next ..void .all .own"));
+    // And what is dragged.
+    dragged.clear();
+    scene.own().replace(0, 2, {});
+    scene.things[4] = {};
+    drag.move(over, mime.get());
+    drag.drop(over, mime.get());
+    QCOMPARE(scene.dump(), std::string("'a' .part .next ..void .all .own"));
+}
+
+void tst_ObjectTreeView::closedObjectsHaveNoChildRows()
+{
+    constexpr std::size_t num = 100000;
+    Scene scene;
+    Things objs;
+    std::vector<PtrT<Object>> tops;
+    for (std::size_t i = 0; i < num; ++i) {
+        objs.push_back(makeThing("x"));
+        addField<MFieldRef>(*objs.back(), "own", Things{scene.b()});
+        tops.emplace_back(objs.back());
+    }
+    scene.view->addRows(tops, 0);
+    scene.view->viewport()->grab();
+    const RowHandle root = scene.view->findRow({5, 5})->getParent();
+    QCOMPARE(root->getNumMadeChildRows(), num);
+    std::size_t made = 0;
+    for (std::size_t i = 0; i < num; ++i)
+        made += root->getChildRow(i)->getNumMadeChildRows();
+    QCOMPARE(made, std::size_t(0));
+    QCOMPARE(root->getChildRow(0)->getNumChildRows(), std::size_t(1));
 }
 
 QTEST_MAIN(tst_ObjectTreeView)

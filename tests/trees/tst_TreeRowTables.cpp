@@ -1,4 +1,6 @@
-#include "TreeScene.h"
+#include "support/slotOf.h"
+#include "trees/TreeScene.h"
+#include "zrVOMGUI/trees/private/ObjectTreeRows.h"
 
 #include <functional>
 #include <map>
@@ -78,6 +80,7 @@ class tst_TreeRowTables : public QObject {
 private slots:
     void setterChangesRows_data();
     void setterChangesRows();
+    void operationsOfRowsKeepTheirSlots();
 };
 
 void tst_TreeRowTables::setterChangesRows_data()
@@ -136,6 +139,33 @@ void tst_TreeRowTables::setterChangesRows()
     setters.at(setter)();
     scene.dump();
     QCOMPARE(Look(*row).differences(before), changes);
+}
+
+namespace {
+
+struct Slots : ObjectTreeView {
+    static std::vector<std::ptrdiff_t> inOrder()
+    {
+        return {slotOf(&VoidRow::onUpdate),
+                slotOf(&VoidRow::getPath),
+                slotOf(&VoidRow::makeRow),
+                slotOf(&VoidRow::onObjIconDBChanged),
+                slotOf(&VoidRow::onTypeNameChanged),
+                slotOf(&VoidRow::onAddressChanged),
+                slotOf(&VoidRow::onNameFieldChanged),
+                slotOf(&VoidRow::onHideFieldsChanged),
+                slotOf(&VoidRow::onAcceptedFieldsChanged)};
+    }
+};
+
+} // namespace
+
+void tst_TreeRowTables::operationsOfRowsKeepTheirSlots()
+{
+    // Behind the two entries of the destructor.
+    std::ptrdiff_t slot = 2;
+    for (std::ptrdiff_t is : Slots::inOrder())
+        QCOMPARE(is, slot++);
 }
 
 QTEST_MAIN(tst_TreeRowTables)

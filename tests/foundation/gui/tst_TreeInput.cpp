@@ -46,6 +46,7 @@ private slots:
     void pagesAreAsHighAsTheView();
     void keysWithShiftExtendAndWithControlOnlyMove();
     void spaceSelectsAndControlSpaceTurns();
+    void shiftSpaceSelectsUpToTheCurrentRow();
     void controlASelectsAllLines();
     void arrowsOpenCloseAndClimb();
     void arrowsFollowTheReadingDirection();
@@ -218,6 +219,17 @@ void tst_TreeInput::spaceSelectsAndControlSpaceTurns()
     QCOMPARE(state(*scene), std::string("b | c"));
     scene->key(Qt::Key_Space, Qt::ControlModifier);
     QCOMPARE(state(*scene), std::string("b c | c"));
+}
+
+void tst_TreeInput::shiftSpaceSelectsUpToTheCurrentRow()
+{
+    const auto scene = makeScene(items("x", 5));
+    scene->click("x1");
+    scene->key(Qt::Key_Down, Qt::ControlModifier);
+    scene->key(Qt::Key_Down, Qt::ControlModifier);
+    QCOMPARE(scene->sel(), std::string("x1"));
+    scene->key(Qt::Key_Space, Qt::ShiftModifier);
+    QCOMPARE(scene->sel(), std::string("x1 x2 x3"));
 }
 
 void tst_TreeInput::controlASelectsAllLines()

@@ -1,11 +1,10 @@
 #include "foundation/gui/TreeScene.h"
+#include "support/slotOf.h"
 
 #include <QContextMenuEvent>
 #include <QDragEnterEvent>
 #include <QDragMoveEvent>
 #include <QLineEdit>
-
-#include <cstring>
 
 using namespace TreeTest;
 
@@ -314,15 +313,6 @@ void tst_TreeLifetimes::foreignAndRepeatedRowsArePassedOver()
 }
 
 namespace {
-
-/// The number of a virtual operation in the table of its class.
-template <class Pointer>
-std::ptrdiff_t slotOf(Pointer pointer)
-{
-    std::ptrdiff_t offset = 0;
-    std::memcpy(&offset, &pointer, sizeof offset);
-    return offset / std::ptrdiff_t(sizeof(void *));
-}
 
 template <class View>
 struct Slots : View {

@@ -17,6 +17,7 @@
 #include <map>
 #include <string>
 #include <type_traits>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -568,6 +569,7 @@ public:
     /// link. Items aren't owned; they leave when they die.
     std::size_t addItem(Class *item, std::size_t position)
     {
+        removeGone();
         position = std::min(position, items.size());
         const auto offset = static_cast<std::ptrdiff_t>(position);
         items.insert(items.begin() + offset, item);
@@ -579,8 +581,12 @@ public:
         return position;
     }
 
+    /// Does nothing for a position that isn't there.
     void removeItem(std::size_t position)
     {
+        removeGone();
+        if (position >= items.size())
+            return;
         const auto offset = static_cast<std::ptrdiff_t>(position);
         itemCons[position].disconnect();
         itemCons.erase(itemCons.begin() + offset);
@@ -593,10 +599,9 @@ public:
         disconnectItems();
         items.clear();
         itemCons.clear();
+        gone.clear();
         markDirty();
     }
-
-    std::size_t getNumItems() const { return items.size(); }
 
     void onUpdate(bool) override
     {
@@ -619,14 +624,30 @@ public:
     }
 
 private:
-    /// An item may be there several times. Removing one disconnects it, which need not be the one
-    /// that was told.
+    /// Items often die together: those that have died are taken out at once, before the next look
+    /// at any of them.
     void onItemDelete(SigVoidData const &sigData)
     {
-        Class const *const dying = sigData.ptr.get();
-        for (std::size_t i = items.size(); dying && i-- != 0;)
-            if (items[i] == dying)
-                removeItem(i);
+        gone.insert(sigData.ptr.get());
+        markDirty();
+    }
+
+    void removeGone()
+    {
+        if (gone.empty())
+            return;
+        std::size_t numKept = 0;
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            if (gone.count(items[i])) {
+                itemCons[i].disconnect();
+                continue;
+            }
+            items[numKept] = items[i];
+            itemCons[numKept++] = itemCons[i];
+        }
+        items.resize(numKept);
+        itemCons.resize(numKept);
+        gone.clear();
     }
 
     void disconnectItems()
@@ -648,6 +669,7 @@ private:
     {
         const Watch watch(*this);
         dirty = false;
+        removeGone();
         Rebuild<Class const *> children(view);
         for (OwnedRow &row : this->releaseChildRows())
             if (View::Traits::keepsTopRows)
@@ -655,8 +677,8 @@ private:
         const std::vector<Class *> shown = items;
         for (Class *item : shown) {
             // A host that is told of a new row may let items die.
-            const bool itemsChanged = dirty;
-            if (itemsChanged && item && std::find(items.begin(), items.end(), item) == items.end())
+            if (gone.count(item) ||
+                (dirty && item && std::find(items.begin(), items.end(), item) == items.end()))
                 continue;
             OwnedRow row = children.take(item);
             if (!row)
@@ -694,6 +716,7 @@ private:
     std::vector<Class *> items;
     bool dirty = false;
     std::vector<Signal::Connection> itemCons; // Position by position.
+    std::unordered_set<Class const *> gone;   // Of the items, those that are dying or have died.
 };
 
 } // namespace ZR::VOM::GUI::Trees
