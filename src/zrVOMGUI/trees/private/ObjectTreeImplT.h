@@ -159,8 +159,7 @@ void ObjectTreeT<View, RowTraits>::addRows(std::vector<PtrT<Object>> const &objs
 template <class View, class RowTraits>
 void ObjectTreeT<View, RowTraits>::removeRow(std::size_t pos)
 {
-    if (pos < root().getNumItems())
-        root().removeItem(pos);
+    root().removeItem(pos);
 }
 
 template <class View, class RowTraits>
