@@ -13,6 +13,9 @@
 #include <sstream>
 #include <string>
 
+class QHideEvent;
+class QShowEvent;
+
 namespace ZR::VOM::GUI {
 
 /// A line that shows and edits the field of one name on a whole list of objects.
