@@ -3,7 +3,7 @@
 #include "Icons.h"
 #include "PackageXml.h"
 #include "TreeSettings.h"
-#include "placeObjects.h"
+#include "treeDrops.h"
 
 #include "zrVOMGUI/foundation/vom/linkFields.h"
 
@@ -43,6 +43,7 @@ TreePanel::TreePanel(PackageModel &shownModel, QWidget *parent)
     : QWidget(parent)
     , model(shownModel)
     , tree(new Tree(RefT<ZR::VOM::Exporter>(new ZR::VOM::XmlExporter), makeImporter(), this))
+    , sections(shownModel, [this] { updateRows(); })
 {
     auto *const settings = new TreeSettings(this);
     connect(settings, &TreeSettings::hideFieldsToggled, tree, &Tree::setHideFields);
@@ -62,13 +63,7 @@ TreePanel::TreePanel(PackageModel &shownModel, QWidget *parent)
     column->addWidget(settings);
     column->addWidget(tree);
     connectTree();
-    watchSections();
     updateRows();
-}
-
-TreePanel::~TreePanel()
-{
-    sectionsConnection.disconnect();
 }
 
 void TreePanel::connectTree()
@@ -84,50 +79,29 @@ void TreePanel::connectTree()
         [this](Tree::SigRowMenuData const &sigData) { popupMenu(sigData.row, sigData.pos); });
 }
 
-/// The model outlives this panel, and so does the connection's signal, unless somebody removes the
-/// field.
-void TreePanel::watchSections()
-{
-    if (auto *const sections = cast<MFieldRef>(model.getArchive()->findField("sections")))
-        sectionsConnection = sections->sigReplace.connect([this](auto const &) { updateRows(); });
-}
-
 void TreePanel::updateRows()
 {
     std::vector<Path> selected;
     tree->getSel(selected);
     tree->clear();
-    std::vector<PtrT<Object>> rows;
-    if (auto const *const sections = cast<MFieldRef>(model.getArchive()->findField("sections")))
-        rows.assign(sections->getAll().begin(), sections->getAll().end());
-    tree->addRows(rows, 0);
+    tree->addRows(sections.getSections(), 0);
     tree->setSel(selected);
 }
 
-template <class Edit>
-void TreePanel::tryEdit(Edit &&edit)
-{
-    try {
-        edit();
-    } catch (ZR::Error const &error) {
-        emit said(QString::fromUtf8(error.what()));
-    }
-}
-
-/// Copies, moves and links as the user asked. What came from another program is new already.
 void TreePanel::insertDropped(Tree::SigDropData const &drop)
 {
-    const RefT<Field> field(drop.path.getLast().field);
-    if (!field)
-        return;
-    const bool copies = drop.action == Qt::CopyAction && !drop.fromXml && !drop.copyObjs.empty();
-    Objects const &objects = copies ? drop.copyObjs : drop.objs;
-    tryEdit([&] {
-        if (drop.action == Qt::MoveAction)
-            moveObjects(model, *field, drop.index, objects);
-        else
-            placeObjects(*field, drop.index, objects);
+    edit([&] {
+        Explorer::insertDropped(model, {drop.action, drop.fromXml, drop.objs, drop.copyObjs,
+                                        RefT<Field>(drop.path.getLast().field), drop.index});
     });
+}
+
+template <class Edit>
+void TreePanel::edit(Edit &&change)
+{
+    const QString refusal = tryEdit(change);
+    if (!refusal.isEmpty())
+        emit said(refusal);
 }
 
 void TreePanel::popupMenu(Tree::RowHandle const &row, QPoint const &pos)
@@ -167,7 +141,7 @@ void TreePanel::addRemoveAction(QMenu &menu, Path const &path)
                    [this, path, object = path.getObj()] {
                        // The model may have changed since.
                        if (path.getLast().field && path.getObj() == object)
-                           tryEdit([&] { removeValue(path.getLast()); });
+                           edit([&] { removeValue(path.getLast()); });
                    });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PackageModel.h"
+#include "SectionsWatch.h"
 
 #include "zrVOMGUI/trees/ObjectTreeView.h"
 
@@ -20,7 +21,6 @@ public:
 
     /// The model isn't owned.
     explicit TreePanel(PackageModel &shownModel, QWidget *parent = nullptr);
-    ~TreePanel() override;
 
     PackageModel &getModel() const { return model; }
     Tree &getTree() { return *tree; }
@@ -36,18 +36,17 @@ signals:
 
 private:
     void connectTree();
-    void watchSections();
     void insertDropped(Tree::SigDropData const &drop);
     void popupMenu(Tree::RowHandle const &row, QPoint const &pos);
     void addObjectActions(QMenu &menu, Tree::RowHandle const &row, Item const &item);
     void addRemoveAction(QMenu &menu, ZR::VOM::Path const &path);
     /// Runs an edit of the model, and says why it was refused if it was.
     template <class Edit>
-    void tryEdit(Edit &&edit);
+    void edit(Edit &&change);
 
     PackageModel &model;
     Tree *tree;
-    ZR::Signal::Connection sectionsConnection;
+    SectionsWatch sections;
 };
 
 } // namespace Explorer
