@@ -960,6 +960,9 @@ void tst_FieldLineEdit::otherFieldClassesHaveEditors()
     QTest::keyClick(&names, Qt::Key_Return);
     QCOMPARE(names.text(), QString::fromUtf8("Zoë"));
     QCOMPARE(fieldOf<FieldString>(objects[1], "name").get(), std::string("Zoë"));
+    names.setText(QString("Zo") + QChar(0) + "e");
+    names.onConfirm();
+    QCOMPARE(fieldOf<FieldString>(objects[1], "name").get(), std::string("Zo"));
 }
 
 void tst_FieldLineEdit::ownSignalsOfQtStillWork()

@@ -208,9 +208,7 @@ private:
         fieldConnections.resize(objs.size());
         for (std::size_t i = 0; i < objs.size(); ++i)
             if (Object *const object = objs[i].get())
-                // A dying one counts as dead: its sigDelete may be over.
-                if (!object->isBeingDeleted())
-                    bindObj(*object, i);
+                bindObj(*object, i);
     }
 
     void bindObj(Object &object, std::size_t i)
