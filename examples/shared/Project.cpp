@@ -1,8 +1,11 @@
 #include "Project.h"
 
 #include <zrVOMGUI/foundation/util/Error.h>
+#include <zrVOMGUI/foundation/vom/linkFields.h>
 
+#include <algorithm>
 #include <initializer_list>
+#include <type_traits>
 
 namespace Example {
 
@@ -108,6 +111,26 @@ RefT<Object> findNamed(Objects const &objects, std::string const &name)
     }
     return {};
 }
+
+//! [place]
+void place(Field &field, std::size_t index, Objects const &objects)
+{
+    visitLinkField(field, [&](auto &links) {
+        using Links = std::decay_t<decltype(links)>;
+        if constexpr (std::is_base_of_v<MField, Links>) {
+            typename Links::Values values, behind;
+            for (std::size_t i = 0; i < links.getNum(); ++i)
+                if (std::find(objects.begin(), objects.end(), links.get(i)) == objects.end())
+                    (i < index ? values : behind).push_back(links.get(i));
+            values.insert(values.end(), objects.begin(), objects.end());
+            values.insert(values.end(), behind.begin(), behind.end());
+            links.replace(0, links.getNum(), values); // One change, which widgets see as one.
+        } else if (!objects.empty()) {
+            links.set(objects.front());
+        }
+    });
+}
+//! [place]
 
 //! [registry]
 RefT<ClassRegistry> makeRegistry()

@@ -5,6 +5,7 @@
 #include <zrVOMGUI/foundation/vom/ClassRegistry.h>
 #include <zrVOMGUI/foundation/vom/MField.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,10 @@ Objects listOf(ZR::RefT<ZR::VOM::Object> const &object, std::string const &field
 
 /// The first of the objects that is called so; null when none is.
 ZR::RefT<ZR::VOM::Object> findNamed(Objects const &objects, std::string const &name);
+
+/// Puts objects into a link field, in a list before a position, or behind it all if there is no
+/// such position. What the list has already is moved there.
+void place(ZR::VOM::Field &field, std::size_t index, Objects const &objects);
 
 /// The classes, for importers.
 ZR::RefT<ZR::VOM::ClassRegistry> makeRegistry();
