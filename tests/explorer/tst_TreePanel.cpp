@@ -176,8 +176,9 @@ bool tst_TreePanel::drop(Path const &fieldPath, std::size_t position, char const
     const QPoint field = pointOf(fieldPath);
     tree().getSel().at(0)->setOpen(true);
     tree().viewport()->grab();
-    // Its values are the rows below.
-    const int line = field.y() + int(position) * tree().getRowHeight() + tree().getRowHeight() / 2;
+    // Its values are the rows below. Behind one of them is its last line.
+    const int height = tree().getRowHeight();
+    const int line = field.y() - height / 2 + (int(position) + 1) * height - 1;
     return SentDrag(tree(), keys).run({100, line}, data.get());
 }
 

@@ -1,7 +1,8 @@
 #include "house/IncludeRules.h"
 
+#include "support/QtVersion.h"
+
 #include <QFileInfo>
-#include <QLibraryInfo>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -83,7 +84,7 @@ QString qtModuleOf(QString const &name)
     const QRegularExpressionMatch match = named.match(name);
     if (match.hasMatch())
         return match.captured(1);
-    const QString headers = QLibraryInfo::location(QLibraryInfo::HeadersPath);
+    const QString headers = qtHeadersFolder();
     for (char const *module : {"QtCore", "QtGui", "QtWidgets"}) {
         if (QFileInfo::exists(headers + '/' + module + '/' + name))
             return module;

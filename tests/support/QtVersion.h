@@ -2,6 +2,7 @@
 
 // What differs between Qt versions for tests.
 
+#include <QLibraryInfo>
 #include <QMetaType>
 #include <QVariant>
 
@@ -11,3 +12,12 @@ using MimeValueType = QMetaType;
 #else
 using MimeValueType = QVariant::Type;
 #endif
+
+inline QString qtHeadersFolder()
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    return QLibraryInfo::path(QLibraryInfo::HeadersPath);
+#else
+    return QLibraryInfo::location(QLibraryInfo::HeadersPath);
+#endif
+}
