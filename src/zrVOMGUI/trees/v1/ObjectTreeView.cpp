@@ -272,7 +272,7 @@ void ObjectTreeView::updateDropAction(QDropEvent &event) const
 {
     if (!event.mimeData())
         return;
-    const Qt::DropAction action = dropActionOf(event.keyboardModifiers());
+    const Qt::DropAction action = dropActionOf(ZR::GUI::modifiersOf(event));
     ZR::GUI::setDefaultAction(event,
                               event.type() == QEvent::DragMove ? action : defaultDropAction());
     event.setDropAction(action);
