@@ -551,6 +551,17 @@ void tst_FieldLineEdit::sameNameDoesNothing()
     form.edit->setField("size");
     QCOMPARE(form.shown(), QString("2"));
     QCOMPARE(form.edit->getField(), std::string("size"));
+
+    // Nor does it look at a list that was filled without a word.
+    ObjPtrs list;
+    RealEdit over(list, nullptr);
+    over.setField("size");
+    over.show();
+    list = watched(objects);
+    over.setField("size");
+    QCOMPARE(over.text(), QString());
+    over.setObjs({});
+    QCOMPARE(over.text(), QString("1"));
 }
 
 void tst_FieldLineEdit::sharedListIsFollowedWhenTold()

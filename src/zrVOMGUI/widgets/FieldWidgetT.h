@@ -66,6 +66,8 @@ public:
     /// The name that is set already does nothing.
     void setField(std::string const &name)
     {
+        if (name == getField())
+            return;
         const QPointer<QWidget> self(this);
         manager.setField(name);
         // A line that was shown without a name isn't bound yet.

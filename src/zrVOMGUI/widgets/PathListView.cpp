@@ -236,7 +236,8 @@ void PathListView::drawRow(QPainter &painter, Row &row, int y)
         if (isMarked)
             drawSelectionRect(painter, row);
     const bool isInSight = y < viewport()->height() && y + std::max(row.height, iconSize) >= 0;
-    painter.setPen(textColor(row));
+    if (isInSight)
+        painter.setPen(textColor(row));
     Pen pen{painter, isInSight, row.x, y};
     for (std::size_t i = 0; i < row.cells.size(); ++i) {
         drawIcon(pen, row.cells[i]);
