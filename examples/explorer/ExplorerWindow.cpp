@@ -4,6 +4,7 @@
 #include "FormPanel.h"
 #include "GraphPage.h"
 #include "Icons.h"
+#include "Language.h"
 #include "ModelFile.h"
 #include "PackageGraph.h"
 #include "SignalLog.h"
@@ -129,6 +130,9 @@ void ExplorerWindow::makeViewMenu(QToolBar &toolBar)
     connect(dark, &QAction::toggled, this, [](bool on) { setDarkStyle(on); });
     toolBar.addSeparator();
     toolBar.addAction(dark);
+    QAction *const german = viewMenu->addAction(tr("&German labels"));
+    german->setCheckable(true);
+    connect(german, &QAction::toggled, this, [](bool on) { setGerman(on); });
 }
 
 void ExplorerWindow::makeTree()
