@@ -1,6 +1,8 @@
 #include "foundation/gui/DragScene.h"
 
 #include "ExplorerWindow.h"
+#include "FieldSlot.h"
+#include "FormPanel.h"
 #include "GraphPage.h"
 #include "PackageGraph.h"
 #include "TreePanel.h"
@@ -38,7 +40,8 @@ QString names(Values const &values)
 
 } // namespace
 
-/// Objects dragged by the mouse from the tree into the graph, and back, in the explorer's window.
+/// Objects dragged by the mouse from the tree into the graph, and back, and into and out of the
+/// form, in the explorer's window.
 class tst_TreeGraphDrags : public QObject {
     Q_OBJECT
 
@@ -50,6 +53,10 @@ private slots:
     void nodeFromTheGraphIsLinkedInTheTree();
     void nodeIsCopiedWithTheControlKey();
     void escapeDropsNothing();
+    void nodeFromTheGraphFillsASlot();
+    void rowOfTheTreeFillsASlot();
+    void nodeOfAnotherClassIsRefusedByASlot();
+    void objectMovedFromASlotLeavesItsField();
 
 private:
     TreePanel::Tree &tree() { return window->getTreePanel().getTree(); }
@@ -61,6 +68,8 @@ private:
     /// In the window.
     QPoint pointOfRow(int line);
     QPoint pointOfNode(char const *name);
+    QPoint pointOfSlot(FieldSlot &slot) { return slot.mapTo(window.get(), slot.rect().center()); }
+    FormPanel &form() { return *window->findChild<FormPanel *>(); }
     void mouse(QEvent::Type type, QPoint const &pos, Qt::MouseButton button = Qt::NoButton,
                Qt::KeyboardModifiers keys = {});
     /// Presses, moves and lets go, while the drag's event loop runs.
@@ -162,6 +171,42 @@ void tst_TreeGraphDrags::nodeIsCopiedWithTheControlKey()
 void tst_TreeGraphDrags::escapeDropsNothing()
 {
     drag(pointOfNode("apt"), pointOfRow(3), Qt::ControlModifier | Qt::ShiftModifier, true);
+    QCOMPARE(names(depends("apt").getAll()), QString("libc6"));
+}
+
+void tst_TreeGraphDrags::nodeFromTheGraphFillsASlot()
+{
+    form().showObjects({model->findPackage("other")});
+    drag(pointOfNode("apt"), pointOfSlot(form().getDependencySlot()));
+    QCOMPARE(names(depends("other").getAll()), QString("apt"));
+    QCOMPARE(form().getDependencySlot().getValue().get(),
+             static_cast<ZR::VOM::Object *>(model->findPackage("apt").get()));
+}
+
+void tst_TreeGraphDrags::rowOfTheTreeFillsASlot()
+{
+    form().showObjects({model->findPackage("other")});
+    depends("other").replace(0, 1, {});
+    drag(pointOfRow(4), pointOfSlot(form().getDependencySlot()));
+    QCOMPARE(names(depends("other").getAll()), QString("libc6"));
+}
+
+void tst_TreeGraphDrags::nodeOfAnotherClassIsRefusedByASlot()
+{
+    QString said;
+    connect(&form(), &FormPanel::said, this, [&](QString const &text) { said = text; });
+    drag(pointOfNode("libc6"), pointOfSlot(form().getMaintainerSlot()));
+    QVERIFY(!form().getMaintainerSlot().getValue());
+    QCOMPARE(said, QString("This takes a maintainer, and not a package"));
+}
+
+void tst_TreeGraphDrags::objectMovedFromASlotLeavesItsField()
+{
+    form().showObjects({model->findPackage("other")});
+    const QPoint betweenRows = pointOfRow(4) - QPoint(0, tree().getRowHeight() / 2);
+    drag(pointOfSlot(form().getDependencySlot()), betweenRows, Qt::ShiftModifier);
+    QCOMPARE(names(depends("other").getAll()), QString());
+    QVERIFY(!form().getDependencySlot().getValue());
     QCOMPARE(names(depends("apt").getAll()), QString("libc6"));
 }
 
