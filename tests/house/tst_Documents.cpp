@@ -70,9 +70,9 @@ QString dedented(QStringList lines)
     int indentation = INT_MAX;
     for (QString const &line : lines)
         if (line.contains(text))
-            indentation = qMin(indentation, line.indexOf(text));
+            indentation = qMin(indentation, static_cast<int>(line.indexOf(text)));
     for (QString &line : lines)
-        line.remove(0, qMin(indentation, line.size() - 1));
+        line.remove(0, qMin(indentation, static_cast<int>(line.size()) - 1));
     return lines.join("");
 }
 
