@@ -7,6 +7,7 @@
 #include "zrVOMGUI/trees/v1/private/ModelRows.h"
 
 #include <QMimeData>
+#include <QPointer>
 #include <QStringList>
 
 namespace ZR::VOM::GUI::V1 {
@@ -98,8 +99,9 @@ bool ObjectTreeModel::findDropField(DropData &drop, QMimeData const &mime, Qt::D
 /// the object goes to the end of the first field that takes it.
 bool ObjectTreeModel::findFieldOfObject(DropData &drop, PtrT<Object> const &obj) const
 {
+    const QPointer<ObjectTreeModel const> self(this);
     std::int64_t begin = 0; // Of the field's values among all.
-    for (std::size_t i = 0; obj && i < obj->getNumFields(); ++i) {
+    for (std::size_t i = 0; self && obj && i < obj->getNumFields(); ++i) {
         const PtrT<Field> field(obj->getField(i));
         if (!isAccepted(field))
             continue;
@@ -124,16 +126,17 @@ bool ObjectTreeModel::findFieldOfObject(DropData &drop, PtrT<Object> const &obj)
 }
 
 /// Reads the payload. Drops land on rows of fields, and on those of objects while fields are
-/// hidden; anywhere else the answer is false.
+/// hidden; anywhere else the answer is false. An importer is the host's, and may destroy the model.
 bool ObjectTreeModel::makeDropData(DropData &drop, QMimeData const &mime, Qt::DropAction action,
                                    int row, QModelIndex const &parentIndex) const
 {
+    const QPointer<ObjectTreeModel const> self(this);
     drop.action = action;
     const bool hasObjs = getFromMimeData(mime, drop.objs);
     const bool hasCopies = getCopyFromMimeData(mime, drop.copyObjs);
     if (!hasObjs && !hasCopies && importer) {
         drop.fromXml = getFromMimeData(mime, *importer, drop.objs);
-        if (!drop.fromXml)
+        if (!drop.fromXml || !self)
             return false;
     }
     drop.row = row;

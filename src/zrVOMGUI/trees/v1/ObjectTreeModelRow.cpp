@@ -42,9 +42,13 @@ void ObjectTreeModel::Row::requestUpdate(unsigned bits)
         row->pending |= bits;
         if (!isFirst)
             return;
-        if (row->kind == top && !row->model->isUpdating)
-            row->model->requestUpdate();
         bits = below;
+        if (row->kind == top) {
+            // Last of all: a slot may destroy the model.
+            if (!row->model->isUpdating)
+                row->model->requestUpdate();
+            return;
+        }
     }
 }
 
