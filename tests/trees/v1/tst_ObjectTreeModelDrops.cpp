@@ -46,10 +46,13 @@ private slots:
     void columnPlaysNoPart();
     void payloadWithoutObjectsReachesTheRule();
     void xmlIsReadWhereNoReferenceIs();
+    void copiesAloneKeepTheImporterOut();
     void badXmlRefuses();
     void dropOfAnotherProcessNeedsAnImporter();
 
     void hostAloneDecides();
+    void hostMayDestroyTheModelItAllows_data();
+    void hostMayDestroyTheModelItAllows();
     void hostThatRaisesLeavesItsAnswer();
     void dropIsTrueWhenTheHostRaises();
     void nobodyCarriesADropOut();
@@ -254,6 +257,21 @@ void tst_ObjectTreeModelDrops::xmlIsReadWhereNoReferenceIs()
     QVERIFY(scene.drops[1].copies.empty());
 }
 
+/// A payload of copies alone is one of this process, whatever XML lies beside them.
+void tst_ObjectTreeModelDrops::copiesAloneKeepTheImporterOut()
+{
+    DropScene scene(importerOfThings());
+    const Payload payload(makeThings("x"), makeThings("y"), RefT<Exporter>(new XmlExporter));
+    payload.mime->removeFormat(MimeType::objects);
+    QVERIFY(payload.mime->hasFormat(MimeType::objectsXml));
+    QVERIFY(scene.drop(payload.mime.get(), scene.at({0, 3}), 0));
+    QVERIFY(!scene.drops.at(0).fromXml);
+    QVERIFY(scene.drops[0].objs.empty());
+    QCOMPARE(scene.drops[0].copies, payload.copies);
+    // A single link wants an object.
+    QVERIFY(!scene.canDrop(payload.mime.get(), scene.at({0, 1})));
+}
+
 void tst_ObjectTreeModelDrops::badXmlRefuses()
 {
     DropScene scene(importerOfThings());
@@ -287,6 +305,34 @@ void tst_ObjectTreeModelDrops::hostAloneDecides()
     QVERIFY(!scene.drop(two.mime.get(), scene.at({0, 2}), 0));
     QCOMPARE(scene.asked, (std::vector<std::string>{"a/own 9: a/own 9", "a/all 0: a/all 0",
                                                     "a/all 0: a/all 0"}));
+}
+
+void tst_ObjectTreeModelDrops::hostMayDestroyTheModelItAllows_data()
+{
+    QTest::addColumn<bool>("hideFields");
+    QTest::newRow("field row") << false;
+    QTest::newRow("object row") << true;
+}
+
+void tst_ObjectTreeModelDrops::hostMayDestroyTheModelItAllows()
+{
+    QFETCH(bool, hideFields);
+    for (bool isDrop : {false, true}) {
+        DropScene scene;
+        scene.model->hideFields(hideFields);
+        const Payload payload(makeThings("x"));
+        scene.model->sigCanDrop.connect([&](auto const &sigData) {
+            *sigData.result = true;
+            scene.model.reset();
+        });
+        const QModelIndex row = hideFields ? scene.at({0}) : scene.at({0, 3});
+        ObjectTreeModel &model = *scene.model;
+        const QMimeData *const mime = payload.mime.get();
+        QVERIFY(!(isDrop ? model.dropMimeData(mime, Qt::CopyAction, 0, 0, row)
+                         : model.canDropMimeData(mime, Qt::CopyAction, 0, 0, row)));
+        QVERIFY(!scene.model);
+        QVERIFY(scene.drops.empty());
+    }
 }
 
 void tst_ObjectTreeModelDrops::hostThatRaisesLeavesItsAnswer()

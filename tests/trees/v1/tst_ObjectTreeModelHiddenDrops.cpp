@@ -14,8 +14,20 @@ private slots:
     void hiddenPlacesBecomeFields();
     void hiddenOntoTriesEachField();
     void hiddenRefusedFieldsAreLeftOut();
+    void fieldsWithoutRowsTakeNone();
     void hostMayDestroyWhatItIsAsked();
 };
+
+namespace {
+
+/// Says that it holds a link.
+class Liar : public FieldInt {
+public:
+    using FieldInt::FieldInt;
+    int getType() const override { return 5; }
+};
+
+} // namespace
 
 void tst_ObjectTreeModelHiddenDrops::hiddenFieldsNeedTheHost()
 {
@@ -99,6 +111,20 @@ void tst_ObjectTreeModelHiddenDrops::hiddenRefusedFieldsAreLeftOut()
     const Payload payload(makeThings("x"));
     QVERIFY(scene.drop(payload.mime.get(), scene.at({0}), 3));
     QCOMPARE(scene.asked, std::vector<std::string>{"a 3: a/own 1"});
+}
+
+void tst_ObjectTreeModelHiddenDrops::fieldsWithoutRowsTakeNone()
+{
+    const RefT<Object> thing = makeThing("t");
+    addField<Liar>(*thing, "liar");
+    addField<FieldPtr>(*thing, "link");
+    DropScene scene;
+    scene.model->addRow(PtrT<Object>(thing), 0);
+    scene.model->hideFields(true);
+    scene.askHost("");
+    const Payload payload(makeThings("x"));
+    QVERIFY(!scene.canDrop(payload.mime.get(), scene.at({0}), -1));
+    QCOMPARE(scene.asked, std::vector<std::string>{"t -1: t/link -1"});
 }
 
 void tst_ObjectTreeModelHiddenDrops::hostMayDestroyWhatItIsAsked()

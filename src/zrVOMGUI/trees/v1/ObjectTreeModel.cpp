@@ -107,6 +107,39 @@ bool ObjectTreeModel::isAccepted(PtrT<Field> const &field) const
            (acceptedFields.empty() || acceptedFields.matches(*field));
 }
 
+/// A removal is told before the field has gone, and a listener may refuse it. An update that comes
+/// between shows the field no more; what is still there once the removal is over comes back.
+void ObjectTreeModel::setLeaving(Field &field)
+{
+    if (leavingFields.empty())
+        QMetaObject::invokeMethod(this, &ObjectTreeModel::onRemovalsOver, Qt::QueuedConnection);
+    leavingFields[&field] = field;
+}
+
+bool ObjectTreeModel::isLeaving(Field const &field) const
+{
+    // Another field may have the address of one that died.
+    const auto place = leavingFields.find(&field);
+    return place != leavingFields.end() && place->second;
+}
+
+void ObjectTreeModel::onRemovalsOver()
+{
+    std::set<Object const *> refusers;
+    for (auto const &[address, field] : std::exchange(leavingFields, {}))
+        if (field && field->owner)
+            refusers.insert(field->owner);
+    if (refusers.empty())
+        return;
+    std::vector<RefT<Row>> rows;
+    for (Row *const row : liveRows)
+        if (row->kind == Row::objectKind &&
+            refusers.count(static_cast<ObjectRow *>(row)->object.get()))
+            rows.emplace_back(*row);
+    for (RefT<Row> const &row : rows)
+        row->requestUpdate(Row::self);
+}
+
 void ObjectTreeModel::updateAllRows()
 {
     forAllRows(RefT<Row>(root), [](RefT<Row> const &row) { row->runUpdate(false); });

@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -226,6 +227,9 @@ private:
     QModelIndex getIndex(Row &row) const;
     void getPath(PtrT<Row> const &row, Path &path) const;
     RefT<FieldRow> newRow(RefT<Field> const &field, PtrT<Row> const &parent);
+    void setLeaving(Field &field);
+    bool isLeaving(Field const &field) const;
+    void onRemovalsOver();
     void forAllRows(RefT<Row> const &top, void (*operation)(RefT<Row> const &));
     void updateAllRows();
     void updateMarked();
@@ -234,7 +238,7 @@ private:
     bool canDrop(DropData const &drop) const;
     bool findDropField(DropData &drop, QMimeData const &mime, Qt::DropAction action, int row,
                        QModelIndex const &parent) const;
-    bool findFieldOfObject(DropData &drop, PtrT<Object> const &obj) const;
+    bool findFieldOfObject(DropData &drop, ObjectRow const &row) const;
 
     std::set<Row *> liveRows; // Every row that may be touched.
     RefT<Exporter> exporter;
@@ -252,8 +256,11 @@ private:
     mutable std::vector<RefT<Object>> dragObjs, dragCopies;
     Signal::Connection conObjIconDB;
 
+    // Said to go, and perhaps still in their objects.
+    std::map<Field const *, PtrT<Field>> leavingFields;
     bool isUpdating = false;      // Marks are collected, and not told.
     unsigned changesUnderWay = 0; // Between the first and the second signal of a change of rows.
+    unsigned fieldNews = 0;       // While rows hear of a field that comes or goes.
 };
 
 } // namespace ZR::VOM::GUI::V1

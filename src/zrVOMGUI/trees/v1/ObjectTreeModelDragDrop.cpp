@@ -89,7 +89,7 @@ bool ObjectTreeModel::findDropField(DropData &drop, QMimeData const &mime, Qt::D
     if (!target)
         return false;
     if (target->kind == Row::objectKind)
-        return findFieldOfObject(drop, static_cast<ObjectRow &>(*target).object);
+        return findFieldOfObject(drop, static_cast<ObjectRow &>(*target));
     drop.fieldPath = drop.rowPath;
     return canDrop(drop);
 }
@@ -97,13 +97,15 @@ bool ObjectTreeModel::findDropField(DropData &drop, QMimeData const &mime, Qt::D
 /// While fields are hidden, a place among the values of an object is one in some field's list. At
 /// the seam of two fields the end of the first is tried before the start of the second. A drop onto
 /// the object goes to the end of the first field that takes it.
-bool ObjectTreeModel::findFieldOfObject(DropData &drop, PtrT<Object> const &obj) const
+bool ObjectTreeModel::findFieldOfObject(DropData &drop, ObjectRow const &row) const
 {
     const QPointer<ObjectTreeModel const> self(this);
     std::int64_t begin = 0; // Of the field's values among all.
-    for (std::size_t i = 0; self && obj && i < obj->getNumFields(); ++i) {
-        const PtrT<Field> field(obj->getField(i));
-        if (!isAccepted(field))
+    for (PtrT<Field> const &field : row.acceptedFields()) {
+        if (!self)
+            return false;
+        // A listener may have removed it.
+        if (!field || field->owner != row.object.get())
             continue;
         drop.fieldPath = drop.rowPath;
         drop.fieldPath.pushField(*field);
@@ -152,7 +154,8 @@ bool ObjectTreeModel::makeDropData(DropData &drop, QMimeData const &mime, Qt::Dr
 }
 
 /// KEPT: without a listener, only rows of fields take drops, not those of objects in hide mode,
-/// though the field is found. A host that hides fields says itself what goes where.
+/// though the field is found. A host that hides fields says itself what goes where. False when a
+/// listener has destroyed the model.
 bool ObjectTreeModel::canDrop(DropData const &drop) const
 {
     if (sigCanDrop.hasSlots()) {
@@ -160,8 +163,9 @@ bool ObjectTreeModel::canDrop(DropData const &drop) const
         SigCanDropData sigData;
         drop.tell(sigData);
         sigData.result = &result;
+        const QPointer<ObjectTreeModel const> self(this);
         sigCanDrop.emitCatching(sigData, "ZR::VOM::GUI::V1::ObjectTreeModel::canDrop");
-        return result;
+        return result && self;
     }
     if (drop.rowPath.getType() != Path::Field)
         return false;

@@ -3,6 +3,7 @@
 #include "zrVOMGUI/foundation/util/Error.h"
 #include "zrVOMGUI/foundation/util/text.h"
 #include "zrVOMGUI/presentation/ItemLabel.h"
+#include "zrVOMGUI/trees/v1/private/ModelChange.h"
 #include "zrVOMGUI/trees/v1/private/ModelRows.h"
 
 #include <QIcon>
@@ -223,14 +224,14 @@ void ObjectTreeModel::ObjectRow::forgetDeadObject()
         runUpdate(false);
 }
 
-/// None when the object is gone.
 ObjectTreeModel::ObjectRow::Fields ObjectTreeModel::ObjectRow::acceptedFields() const
 {
     Fields fields;
     for (std::size_t i = 0; object && i < object->getNumFields(); ++i) {
         const PtrT<Field> other(object->getField(i));
         // Also what isn't what its type code says has no row.
-        if (other != leaving && model->isAccepted(other) && visitLinkField(*other, [](auto &) {}))
+        if (!model->isLeaving(*other) && model->isAccepted(other) &&
+            visitLinkField(*other, [](auto &) {}))
             fields.push_back(other);
     }
     return fields;
@@ -332,13 +333,16 @@ void ObjectTreeModel::ObjectRow::onAddField(SigAddFieldData const &sigData)
         return;
     const RefT<Row> held(*this);
     const RefT<Field> added = object->getField(sigData.index);
-    leaving.reset();
+    // News inside news of another field end those, and rows behind this one miss them.
+    const bool isInside = model->fieldNews != 0;
+    const Change news(*model, &ObjectTreeModel::fieldNews);
+    model->leavingFields.erase(added.get());
     if (isLabel(*added)) {
         emitDataChanged();
         if (!isGone() && object)
             watchLabel();
     }
-    if (!isGone() && model->isAccepted(PtrT<Field>(added)))
+    if (!isGone() && (isInside || model->isAccepted(PtrT<Field>(added))))
         requestUpdate(self);
 }
 
@@ -348,13 +352,14 @@ void ObjectTreeModel::ObjectRow::onRemoveField(SigRemoveFieldData const &sigData
         return;
     const RefT<Row> held(*this);
     const RefT<Field> removed = *sigData.field;
-    // An update may come before the field has gone.
-    leaving = removed;
+    const bool isInside = model->fieldNews != 0;
+    const Change news(*model, &ObjectTreeModel::fieldNews);
+    model->setLeaving(*removed);
     if (isLabel(*removed)) {
         conLabel.disconnect();
         emitDataChanged();
     }
-    if (!isGone() && model->isAccepted(PtrT<Field>(removed)))
+    if (!isGone() && (isInside || model->isAccepted(PtrT<Field>(removed))))
         requestUpdate(self);
 }
 

@@ -8,14 +8,18 @@
 
 namespace ZR::VOM::GUI::V1 {
 
-/// From the first to the second signal of an insertion, a move or a removal of rows. Lies on the
-/// stack, and outlives the model if a slot destroys it.
+/// From the first to the second signal of an insertion, a move or a removal of rows; or while a row
+/// hears of a field. Lies on the stack, and outlives the model if a slot destroys it.
 class ObjectTreeModel::Change {
 public:
-    explicit Change(ObjectTreeModel &changedModel)
+    using Counter = unsigned ObjectTreeModel::*;
+
+    explicit Change(ObjectTreeModel &changedModel,
+                    Counter newCounter = &ObjectTreeModel::changesUnderWay)
         : model(&changedModel)
+        , counter(newCounter)
     {
-        ++model->changesUnderWay;
+        ++(model->*counter);
     }
     ~Change() { end(); }
     Change(Change const &) = delete;
@@ -25,12 +29,13 @@ public:
     void end()
     {
         if (model)
-            --model->changesUnderWay;
+            --(model.data()->*counter);
         model.clear();
     }
 
 private:
     QPointer<ObjectTreeModel> model;
+    const Counter counter;
 };
 
 } // namespace ZR::VOM::GUI::V1

@@ -163,6 +163,9 @@ public:
     PtrT<Row> find(Path const &path, std::size_t pos, bool create) override;
     void getPath(Path &path, RefT<Row> const &child) override;
 
+    using Fields = std::vector<PtrT<Field>>;
+    /// The fields that are shown, in their order. None when the object is gone.
+    Fields acceptedFields() const;
     ObjRow getObjRow();
     /// Drops what is left below a row whose object is gone.
     void forgetDeadObject();
@@ -175,9 +178,6 @@ private:
         Signal::Connection conChange, conLost;
     };
 
-    using Fields = std::vector<PtrT<Field>>;
-
-    Fields acceptedFields() const;
     Wanted wantedFields(Fields const &fields);
     Wanted wantedValues(Fields const &fields);
     void watchLinks(Fields const &fields);
@@ -189,7 +189,6 @@ private:
     bool isLabel(Field &other) const;
 
     Signal::Connection conAddField, conRemoveField, conLabel;
-    PtrT<Field> leaving;                       // Was said to go, and may still be in the object.
     std::map<Field const *, Links> linkFields; // In hide mode.
 };
 
