@@ -10,6 +10,7 @@
 #include "SignalLog.h"
 #include "Style.h"
 #include "TreePanel.h"
+#include "TreesPage.h"
 
 #include <QApplication>
 #include <QDockWidget>
@@ -19,6 +20,8 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QStatusBar>
+#include <QTabBar>
+#include <QTabWidget>
 #include <QToolBar>
 
 namespace Explorer {
@@ -33,7 +36,7 @@ ExplorerWindow::ExplorerWindow(std::shared_ptr<PackageModel> const &shownModel,
 {
     setWindowTitle(tr("Installed packages (%1)").arg(source));
     setWindowIcon(windowIcon());
-    setCentralWidget(page);
+    makeTabs();
     resize(1560, 860);
     constexpr int edge = 12;
     figures->setContentsMargins(edge, 0, edge, 0);
@@ -49,6 +52,20 @@ ExplorerWindow::ExplorerWindow(std::shared_ptr<PackageModel> const &shownModel,
     // The graph goes with this window.
     page->getGraph().sigPopupMenu.connect(
         [this](auto const &sigData) { popupMenu(QPoint(sigData.x, sigData.y)); });
+}
+
+void ExplorerWindow::makeTabs()
+{
+    treesPage = new TreesPage(*model, this);
+    connect(treesPage, &TreesPage::said, page, &GraphPage::said);
+    auto *const tabs = new QTabWidget(this);
+    tabs->setDocumentMode(true);
+    // So that drags go from tab to tab.
+    tabs->tabBar()->setChangeCurrentOnDrag(true);
+    tabs->tabBar()->setAcceptDrops(true);
+    tabs->addTab(page, tr("Graph"));
+    tabs->addTab(treesPage, tr("Generations of trees"));
+    setCentralWidget(tabs);
 }
 
 void ExplorerWindow::makeActions()
@@ -154,7 +171,10 @@ void ExplorerWindow::makeForm()
     auto *const dock = new QDockWidget(tr("Form"), this);
     formPanel = new FormPanel(*model, dock);
     formPanel->watch(page->getGraph());
-    formPanel->watch(treePanel->getTree());
+    formPanel->watchTree(treePanel->getTree());
+    formPanel->watchTree(treesPage->getThird());
+    formPanel->watchTree(treesPage->getSecond());
+    formPanel->watchTree(treesPage->getFirst());
     connect(formPanel, &FormPanel::said, page, &GraphPage::said);
     dock->setWidget(formPanel);
     addDockWidget(Qt::RightDockWidgetArea, dock);
@@ -169,6 +189,9 @@ void ExplorerWindow::makeLog()
     auto *const log = new SignalLog(dock);
     log->watch(page->getGraph());
     log->watch(treePanel->getTree());
+    log->watch(treesPage->getThird());
+    log->watch(treesPage->getSecond());
+    log->watch(treesPage->getFirst());
     log->watch(formPanel->getMaintainerSlot());
     log->watch(formPanel->getDependencySlot());
     dock->setWidget(log);

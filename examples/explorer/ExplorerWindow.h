@@ -15,6 +15,7 @@ namespace Explorer {
 class FormPanel;
 class GraphPage;
 class TreePanel;
+class TreesPage;
 
 /// One window on a package model, which several windows may share.
 class ExplorerWindow : public QMainWindow {
@@ -27,6 +28,7 @@ public:
 
     GraphPage &getPage() { return *page; }
     TreePanel &getTreePanel() { return *treePanel; }
+    TreesPage &getTreesPage() { return *treesPage; }
     /// Begins with a package in its surroundings. An empty name leaves the choice to the window.
     void start(QString const &packageName);
 
@@ -39,6 +41,7 @@ public:
     bool saveFile(QString const &path);
 
 private:
+    void makeTabs();
     void makeActions();
     void makeFileMenu();
     void makeGraphMenu(QToolBar &toolBar);
@@ -55,6 +58,7 @@ private:
     const QString source;
     GraphPage *page;
     FormPanel *formPanel = nullptr;
+    TreesPage *treesPage = nullptr;
     TreePanel *treePanel = nullptr;
     QLabel *figures;
     QMenu *graphMenu = nullptr; // Serves as the graph's context menu, too.

@@ -210,15 +210,6 @@ FormPanel::Paths FormPanel::pathsTo(Objects const &objects) const
     return paths;
 }
 
-void FormPanel::watch(Tree &tree)
-{
-    watch(tree, [&tree] {
-        Paths paths;
-        tree.getSel(paths);
-        return paths;
-    });
-}
-
 void FormPanel::watch(QAbstractScrollArea &area, std::function<Paths()> const &getSel)
 {
     for (QObject *source :

@@ -3,7 +3,6 @@
 #include "PackageModel.h"
 
 #include "zrVOMGUI/foundation/vom/Path.h"
-#include "zrVOMGUI/trees/ObjectTreeView.h"
 
 #include <QWidget>
 
@@ -33,7 +32,6 @@ class FormPanel : public QWidget {
     Q_OBJECT
 
 public:
-    using Tree = ZR::VOM::GUI::ObjectTreeView;
     using Paths = std::vector<ZR::VOM::Path>;
 
     explicit FormPanel(PackageModel &shownModel, QWidget *parent = nullptr);
@@ -42,9 +40,9 @@ public:
     /// The form shows what was selected last, in whichever.
     /// @{
     void watch(PackageGraph &graph);
-    void watch(Tree &tree);
-    /// Any other, which has no signal for that: asked after each key and each click.
-    void watch(QAbstractScrollArea &area, std::function<Paths()> const &getSel);
+    /// A tree of any generation: asked after each key and each click.
+    template <class Tree>
+    void watchTree(Tree &tree);
     /// @}
 
     void showPaths(Paths const &paths);
@@ -65,6 +63,7 @@ protected:
     bool eventFilter(QObject *source, QEvent *event) override;
 
 private:
+    void watch(QAbstractScrollArea &area, std::function<Paths()> const &getSel);
     QGroupBox *makePackageBox();
     QGroupBox *makeNumberBox();
     QGroupBox *makePathBox();
@@ -82,5 +81,15 @@ private:
     NumberEdit *size, *rating;
     ZR::VOM::GUI::PathListView *pathList;
 };
+
+template <class Tree>
+void FormPanel::watchTree(Tree &tree)
+{
+    watch(tree, [&tree] {
+        Paths paths;
+        tree.getSel(paths);
+        return paths;
+    });
+}
 
 } // namespace Explorer

@@ -6,11 +6,14 @@
 #include "PackageGraph.h"
 #include "Style.h"
 #include "TreePanel.h"
+#include "TreesPage.h"
 
 #include "zrVOMGUI/transfer/MimeData.h"
 #include "zrVOMGUI/widgets/PathListView.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QDrag>
 #include <QDropEvent>
@@ -182,6 +185,24 @@ private:
     static constexpr int arrowSearch = 200;
 };
 
+void press(QWidget &widget, Qt::Key key)
+{
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &event);
+}
+
+/// From the second section down to what its first package depends on, which is opened and current.
+void openByKeys(QAbstractScrollArea &tree)
+{
+    tree.setFocus();
+    tree.viewport()->grab(); // Lays the rows out, which keys need.
+    for (Qt::Key key : {Qt::Key_Home, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right,
+                        Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right}) {
+        press(tree, key);
+        tree.viewport()->grab();
+    }
+}
+
 /// The tree of sections. The second is opened, with its first package and what that depends on.
 class TreeSubject : public TreePanel {
 public:
@@ -192,18 +213,14 @@ public:
         // Where text is edited, a tree paints its cursor only in an active window.
         QApplication::setActiveWindow(this);
         show();
-        getTree().setFocus();
-        grab(); // Lays the rows out, which keys need.
-        for (Qt::Key key : {Qt::Key_Home, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right,
-                            Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right})
-            press(key);
+        openByKeys(getTree());
     }
 
     /// Begins with the row below the current one.
     void edit()
     {
-        press(Qt::Key_Down);
-        press(Qt::Key_F2);
+        press(getTree(), Qt::Key_Down);
+        press(getTree(), Qt::Key_F2);
     }
 
     /// A package is dragged over the lower end of another.
@@ -226,12 +243,6 @@ public:
     }
 
 private:
-    void press(Qt::Key key)
-    {
-        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
-        QApplication::sendEvent(&getTree(), &event);
-    }
-
     std::unique_ptr<QMimeData> mimeData;
 };
 
@@ -365,6 +376,7 @@ public:
         backLinks->fit();
         album.add("graph-back-links.png", *backLinks);
         shootTree(album);
+        shootGenerations(album);
         shootForm(album);
         window->setAttribute(Qt::WA_DontShowOnScreen);
         window->show();
@@ -404,6 +416,22 @@ private:
         tree.endDrag();
         tree.edit();
         album.add("tree-editing.png", tree);
+    }
+
+    void shootGenerations(Album &album)
+    {
+        TreesPage page(model);
+        page.resize(900, 420);
+        page.show();
+        for (QAbstractScrollArea *tree : std::initializer_list<QAbstractScrollArea *>{
+                 &page.getThird(), &page.getSecond(), &page.getFirst()})
+            openByKeys(*tree);
+        album.add("trees.png", page);
+        page.findChild<QCheckBox *>()->click(); // Hides the fields.
+        album.add("trees-hidden-fields.png", page);
+        setDarkStyle(true);
+        album.add("trees-dark.png", page);
+        setDarkStyle(false);
     }
 
     void shootForm(Album &album)

@@ -3,6 +3,8 @@
 #include "PackageGraph.h"
 
 #include "zrVOMGUI/trees/ObjectTreeView.h"
+#include "zrVOMGUI/trees/v1/ObjectTreeView.h"
+#include "zrVOMGUI/trees/v2/ObjectTreeView.h"
 #include "zrVOMGUI/widgets/ObjectView.h"
 
 #include <QFontDatabase>
@@ -12,6 +14,8 @@
 namespace Explorer {
 
 namespace {
+
+using ZR::VOM::Path;
 
 /// How many there are, and the names of the first.
 QString describe(Objects const &objects)
@@ -26,22 +30,22 @@ QString describe(Objects const &objects)
     return SignalLog::tr("%1 objects  %2").arg(objects.size()).arg(names.join(", "));
 }
 
-/// The field that takes a drop, and where in it.
-template <class SigDropData>
-QString describeDrop(SigDropData const &drop)
+/// What is dropped, the field that takes it, and where in it.
+QString describeDrop(Qt::DropAction dropped, Objects const &objs, Path const &path,
+                     std::size_t index)
 {
     static std::map<Qt::DropAction, char const *> const actions = {
         {Qt::CopyAction, QT_TRANSLATE_NOOP("Explorer::SignalLog", "copy")},
         {Qt::MoveAction, QT_TRANSLATE_NOOP("Explorer::SignalLog", "move")},
         {Qt::LinkAction, QT_TRANSLATE_NOOP("Explorer::SignalLog", "link")}};
-    const auto action = actions.find(drop.action);
-    const auto field = drop.path.getLast().field;
+    const auto action = actions.find(dropped);
+    const auto field = path.getLast().field;
     QString place = field ? QString::fromStdString(field->name) : QString();
-    if (drop.index != std::size_t(-1))
-        place += QString("[%1]").arg(drop.index);
+    if (index != std::size_t(-1))
+        place += QString("[%1]").arg(index);
     return QString("%1 %2 %3 %4")
-        .arg(action == actions.end() ? QString() : SignalLog::tr(action->second),
-             describe(drop.objs), QString::fromUtf8("→"), place);
+        .arg(action == actions.end() ? QString() : SignalLog::tr(action->second), describe(objs),
+             QString::fromUtf8("→"), place);
 }
 
 } // namespace
@@ -69,7 +73,8 @@ void SignalLog::watch(PackageGraph &graph)
     });
 }
 
-void SignalLog::watch(ZR::VOM::GUI::ObjectTreeView &tree)
+template <class Tree>
+void SignalLog::watchRows(Tree &tree)
 {
     tree.sigRowMenu.connect([this](auto const &sigData) {
         write("sigRowMenu", sigData.row ? sigData.row->getText() : QString());
@@ -78,8 +83,37 @@ void SignalLog::watch(ZR::VOM::GUI::ObjectTreeView &tree)
         write("sigEditRowError", QString::fromStdString(sigData.text) + "  " +
                                      QString::fromUtf8(sigData.error.what()));
     });
-    tree.sigDrop.connect([this](auto const &sigData) { write("sigDrop", describeDrop(sigData)); });
+    tree.sigDrop.connect([this](auto const &drop) {
+        write("sigDrop", describeDrop(drop.action, drop.objs, drop.path, drop.index));
+    });
     tree.sigClear.connect([this](auto const &) { write("sigClear", {}); });
+}
+
+void SignalLog::watch(ZR::VOM::GUI::ObjectTreeView &tree)
+{
+    watchRows(tree);
+}
+
+void SignalLog::watch(ZR::VOM::GUI::V2::ObjectTreeView &tree)
+{
+    watchRows(tree);
+}
+
+void SignalLog::watch(ZR::VOM::GUI::V1::ObjectTreeView &tree)
+{
+    tree.sigSelChange.connect([this, &tree](auto const &) {
+        std::vector<Path> paths;
+        tree.getSel(paths);
+        Objects objects;
+        for (Path const &path : paths)
+            if (const ZR::PtrT<ZR::VOM::Object> object = path.getObj())
+                objects.emplace_back(object);
+        write("sigSelChange", describe(objects));
+    });
+    tree.sigDrop.connect([this](auto const &drop) {
+        write("sigDrop",
+              describeDrop(drop.action, *drop.objs, *drop.fieldPath, std::size_t(drop.index)));
+    });
 }
 
 void SignalLog::watch(ZR::VOM::GUI::ObjectView &slot)

@@ -6,6 +6,12 @@ namespace ZR::VOM::GUI {
 class ObjectTreeView;
 class ObjectView;
 } // namespace ZR::VOM::GUI
+namespace ZR::VOM::GUI::V1 {
+class ObjectTreeView;
+}
+namespace ZR::VOM::GUI::V2 {
+class ObjectTreeView;
+}
 
 namespace Explorer {
 
@@ -22,10 +28,14 @@ public:
     /// @{
     void watch(PackageGraph &graph);
     void watch(ZR::VOM::GUI::ObjectTreeView &tree);
+    void watch(ZR::VOM::GUI::V2::ObjectTreeView &tree);
+    void watch(ZR::VOM::GUI::V1::ObjectTreeView &tree);
     void watch(ZR::VOM::GUI::ObjectView &slot);
     /// @}
 
 private:
+    template <class Tree>
+    void watchRows(Tree &tree);
     void write(QString const &signal, QString const &what);
 };
 

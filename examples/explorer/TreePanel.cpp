@@ -48,12 +48,8 @@ TreePanel::TreePanel(PackageModel &shownModel, QWidget *parent)
     auto *const settings = new TreeSettings(this);
     connect(settings, &TreeSettings::hideFieldsToggled, tree, &Tree::setHideFields);
     connect(settings, &TreeSettings::classNamesToggled, tree, &Tree::setTypeName);
-    connect(settings, &TreeSettings::dependenciesOnlyToggled, tree, [this](bool on) {
-        if (on)
-            tree->addAcceptedField("Package", "depends");
-        else
-            tree->removeAcceptedField("Package", "depends");
-    });
+    connect(settings, &TreeSettings::dependenciesOnlyToggled, tree,
+            [this](bool on) { setDependenciesOnly(*tree, on); });
     tree->setTypeName(false);
     tree->setNameField("name");
     tree->setTooltipField("summary");

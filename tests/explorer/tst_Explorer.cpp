@@ -44,6 +44,9 @@ const QStringList pictures = {"drag-pixmap.png",
                               "tree-right-to-left.png",
                               "tree-scale2.png",
                               "tree.png",
+                              "trees-dark.png",
+                              "trees-hidden-fields.png",
+                              "trees.png",
                               "window.png"};
 
 struct Run {

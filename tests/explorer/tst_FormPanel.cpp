@@ -417,7 +417,7 @@ void tst_FormPanel::graphFeedsTheForm()
 void tst_FormPanel::treeFeedsTheForm()
 {
     TreePanel panel(*model);
-    form->watch(panel.getTree());
+    form->watchTree(panel.getTree());
     panel.resize(300, 300);
     panel.grab();
     for (Qt::Key key :

@@ -1,44 +1,13 @@
-#include "foundation/gui/DragScene.h"
+#include "WindowScene.h"
 
-#include "ExplorerWindow.h"
 #include "FieldSlot.h"
 #include "FormPanel.h"
-#include "GraphPage.h"
-#include "PackageGraph.h"
 #include "TreePanel.h"
 
-#include <QScrollBar>
-
-#include <memory>
-
 using namespace Explorer;
-using gui_test::Hand;
+using window_test::names;
+using window_test::WindowScene;
 using ZR::cast;
-using ZR::RefT;
-
-namespace {
-
-PackageModel makeModel()
-{
-    const auto stanza = [](std::string const &name, std::string const &lines) {
-        return "Package: " + name + "\nStatus: install ok installed\nSection: s\n" + lines + "\n";
-    };
-    return PackageModel(readStatus(stanza("apt", "Depends: libc6\n") + stanza("libc6", "") +
-                                   stanza("other", "Depends: libc6\n")));
-}
-
-/// In alphabetical order.
-template <class Values>
-QString names(Values const &values)
-{
-    QStringList list;
-    for (auto const &value : values)
-        list << QString::fromStdString(cast<Item>(value)->getName());
-    list.sort();
-    return list.join(' ');
-}
-
-} // namespace
 
 /// Objects dragged by the mouse from the tree into the graph, and back, and into and out of the
 /// form, in the explorer's window.
@@ -59,97 +28,52 @@ private slots:
     void objectMovedFromASlotLeavesItsField();
 
 private:
-    TreePanel::Tree &tree() { return window->getTreePanel().getTree(); }
-    PackageGraph &graph() { return window->getPage().getGraph(); }
-    ZR::VOM::MFieldPtr &depends(char const *name)
-    {
-        return *model->findPackage(name)->getDepends();
-    }
+    TreePanel::Tree &tree() { return scene->window->getTreePanel().getTree(); }
+    PackageGraph &graph() { return scene->graph(); }
+    PackageModel &model() { return *scene->model; }
+    ZR::VOM::MFieldPtr &depends(char const *name) { return scene->depends(name); }
     /// In the window.
     QPoint pointOfRow(int line);
-    QPoint pointOfNode(char const *name);
-    QPoint pointOfSlot(FieldSlot &slot) { return slot.mapTo(window.get(), slot.rect().center()); }
-    FormPanel &form() { return *window->findChild<FormPanel *>(); }
-    void mouse(QEvent::Type type, QPoint const &pos, Qt::MouseButton button = Qt::NoButton,
-               Qt::KeyboardModifiers keys = {});
-    /// Presses, moves and lets go, while the drag's event loop runs.
+    QPoint pointOfNode(char const *name) { return scene->pointOfNode(name); }
+    QPoint pointOfSlot(FieldSlot &slot) { return scene->pointOf(slot, slot.rect().center()); }
+    FormPanel &form() { return *scene->window->findChild<FormPanel *>(); }
+    void showOtherInForm()
+    {
+        form().showObjects({model().findPackage("other")});
+        scene->settle();
+    }
     void drag(QPoint const &from, QPoint const &to, Qt::KeyboardModifiers keys = {},
-              bool escapes = false);
+              bool escapes = false)
+    {
+        scene->drag(
+            from, [to] { return to; }, keys, {}, escapes);
+    }
 
-    std::shared_ptr<PackageModel> model;
-    std::unique_ptr<ExplorerWindow> window;
+    std::unique_ptr<WindowScene> scene;
 };
 
 void tst_TreeGraphDrags::init()
 {
-    model = std::make_shared<PackageModel>(makeModel());
-    window = std::make_unique<ExplorerWindow>(model, "test");
-    window->resize(1300, 800);
-    graph().animDuration.set(0);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
-    window->start("apt");
-    // Section, its packages, "apt", and what that depends on.
-    tree().viewport()->grab();
-    for (Qt::Key key : {Qt::Key_Home, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down,
-                        Qt::Key_Right, Qt::Key_Down, Qt::Key_Right})
-        QTest::keyClick(&tree(), key);
-    graph().grab();
-    constexpr int fewTicks = 100; // Milliseconds, in which nodes arrive at where they are drawn.
-    QTest::qWait(fewTicks);
+    scene = std::make_unique<WindowScene>();
+    scene->openRows(tree());
 }
 
 void tst_TreeGraphDrags::cleanup()
 {
-    window.reset();
+    scene.reset();
 }
 
 QPoint tst_TreeGraphDrags::pointOfRow(int line)
 {
     const int height = tree().getRowHeight();
     // Right of the indentation, over the text.
-    const QPoint inViewport(5 * height, line * height + height / 2);
-    return tree().viewport()->mapTo(window.get(), inViewport);
-}
-
-QPoint tst_TreeGraphDrags::pointOfNode(char const *name)
-{
-    int x = 0, y = 0;
-    graph().getPos(model->findPackage(name), x, y);
-    const QPoint scroll(graph().horizontalScrollBar()->value(),
-                        graph().verticalScrollBar()->value());
-    return graph().viewport()->mapTo(window.get(), QPoint(x, y) - scroll);
-}
-
-void tst_TreeGraphDrags::mouse(QEvent::Type type, QPoint const &pos, Qt::MouseButton button,
-                               Qt::KeyboardModifiers keys)
-{
-    const bool held = type != QEvent::MouseButtonRelease;
-    gui_test::sendMouse(*window, type, pos, button, held ? Qt::LeftButton : Qt::NoButton, keys);
-}
-
-void tst_TreeGraphDrags::drag(QPoint const &from, QPoint const &to, Qt::KeyboardModifiers keys,
-                              bool escapes)
-{
-    const Hand hand({
-        [&] { mouse(QEvent::MouseMove, to, Qt::NoButton, keys); },
-        [&] { mouse(QEvent::MouseMove, to + QPoint(1, 0), Qt::NoButton, keys); },
-        [&] {
-            if (escapes)
-                QTest::keyClick(window->windowHandle(), Qt::Key_Escape);
-        },
-        [&] { mouse(QEvent::MouseButtonRelease, to, Qt::LeftButton, keys); },
-    });
-    mouse(QEvent::MouseButtonPress, from, Qt::LeftButton);
-    // The move that begins the drag runs its event loop, and the hand goes on in it.
-    mouse(QEvent::MouseMove, from + QPoint(30, 3), Qt::NoButton, keys);
-    QTRY_VERIFY(hand.isDone());
+    return scene->pointOf(*tree().viewport(), QPoint(5 * height, line * height + height / 2));
 }
 
 void tst_TreeGraphDrags::packageFromTheTreeAppearsInTheGraph()
 {
     graph().hideAll();
-    drag(pointOfRow(4), graph().viewport()->mapTo(window.get(), QPoint(60, 60)));
+    drag(pointOfRow(4), scene->pointOf(*graph().viewport(), QPoint(60, 60)));
     QCOMPARE(names(graph().getVisibleObjs()), QString("libc6"));
 }
 
@@ -163,7 +87,7 @@ void tst_TreeGraphDrags::nodeIsCopiedWithTheControlKey()
 {
     drag(pointOfNode("apt"), pointOfRow(1), Qt::ControlModifier);
     auto const &packages =
-        cast<ZR::VOM::MFieldRef>(model->getSections()[0]->findField("packages"))->getAll();
+        cast<ZR::VOM::MFieldRef>(model().getSections()[0]->findField("packages"))->getAll();
     QCOMPARE(names(packages), QString("apt apt libc6 other"));
     QVERIFY(packages[3] != packages[0]);
 }
@@ -176,16 +100,16 @@ void tst_TreeGraphDrags::escapeDropsNothing()
 
 void tst_TreeGraphDrags::nodeFromTheGraphFillsASlot()
 {
-    form().showObjects({model->findPackage("other")});
+    showOtherInForm();
     drag(pointOfNode("apt"), pointOfSlot(form().getDependencySlot()));
     QCOMPARE(names(depends("other").getAll()), QString("apt"));
     QCOMPARE(form().getDependencySlot().getValue().get(),
-             static_cast<ZR::VOM::Object *>(model->findPackage("apt").get()));
+             static_cast<ZR::VOM::Object *>(model().findPackage("apt").get()));
 }
 
 void tst_TreeGraphDrags::rowOfTheTreeFillsASlot()
 {
-    form().showObjects({model->findPackage("other")});
+    showOtherInForm();
     depends("other").replace(0, 1, {});
     drag(pointOfRow(4), pointOfSlot(form().getDependencySlot()));
     QCOMPARE(names(depends("other").getAll()), QString("libc6"));
@@ -202,7 +126,7 @@ void tst_TreeGraphDrags::nodeOfAnotherClassIsRefusedByASlot()
 
 void tst_TreeGraphDrags::objectMovedFromASlotLeavesItsField()
 {
-    form().showObjects({model->findPackage("other")});
+    showOtherInForm();
     const QPoint betweenRows = pointOfRow(4) - QPoint(0, tree().getRowHeight() / 2);
     drag(pointOfSlot(form().getDependencySlot()), betweenRows, Qt::ShiftModifier);
     QCOMPARE(names(depends("other").getAll()), QString());

@@ -234,6 +234,8 @@ void tst_TreePanel::boxesSetTheTree()
     QVERIFY(tree().isHideFields());
     QVERIFY(tree().isTypeName());
     QVERIFY(!tree().isAccepted(*model->findPackage("x")->findField("maintainer")));
+    QVERIFY(tree().isAccepted(*model->findPackage("x")->findField("depends")));
+    QVERIFY(tree().isAccepted(packagesOf("one")));
     for (QCheckBox *box : boxes)
         box->click();
     QVERIFY(!tree().isHideFields());

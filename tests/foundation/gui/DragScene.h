@@ -6,6 +6,7 @@
 #include "zrVOMGUI/foundation/gui/QtVersion.h"
 
 #include <QDragEnterEvent>
+#include <QElapsedTimer>
 #include <QMimeData>
 #include <QtTest>
 
@@ -98,9 +99,27 @@ inline void release(QWidget &widget, Qt::KeyboardModifiers modifiers = Qt::NoMod
 /// Does its steps one by one while an event loop runs, and then calls a way out.
 class Hand : public QObject {
 public:
-    explicit Hand(std::vector<std::function<void()>> stepsToDo)
+    /// Something to do, at once or as soon as it is time for it; after some seconds anyway.
+    struct Step {
+        template <class Deed>
+        Step(Deed const &deedToDo)
+            : Step([] { return true; }, deedToDo)
+        {
+        }
+        Step(std::function<bool()> const &condition, std::function<void()> const &deedToDo)
+            : isTime(condition)
+            , deed(deedToDo)
+        {
+        }
+
+        std::function<bool()> isTime;
+        std::function<void()> deed;
+    };
+
+    explicit Hand(std::vector<Step> stepsToDo)
         : steps(std::move(stepsToDo))
     {
+        waiting.start();
         arm();
     }
 
@@ -116,13 +135,18 @@ private:
     {
         if (isDone())
             return;
-        const auto deed = steps[numDone++];
+        constexpr qint64 patience = 5000; // Milliseconds.
+        if (!waiting.hasExpired(patience) && !steps[numDone].isTime())
+            return arm();
+        waiting.start();
+        const auto deed = steps[numDone++].deed;
         arm();
         deed();
     }
 
-    std::vector<std::function<void()>> steps;
+    std::vector<Step> steps;
     std::size_t numDone = 0;
+    QElapsedTimer waiting;
 };
 
 } // namespace gui_test
