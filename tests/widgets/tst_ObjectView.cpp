@@ -172,7 +172,7 @@ private:
         offeredObjs = objs;
         return std::unique_ptr<QMimeData>(createMimeData({}, &offeredObjs, nullptr));
     }
-    void dragOut(std::vector<std::function<void()>> steps);
+    void dragOut(std::vector<gui_test::Hand::Step> steps);
 
     std::unique_ptr<QWidget> window;
     QPointer<Slot> slot;
@@ -200,7 +200,7 @@ void tst_ObjectView::cleanup()
 }
 
 /// Presses in the slot and moves while it drags; the steps begin when the drag runs.
-void tst_ObjectView::dragOut(std::vector<std::function<void()>> steps)
+void tst_ObjectView::dragOut(std::vector<gui_test::Hand::Step> steps)
 {
     gui_test::press(*slot);
     const gui_test::Hand hand(std::move(steps));

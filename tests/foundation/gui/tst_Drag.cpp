@@ -74,7 +74,7 @@ private slots:
 
 private:
     Drag *makeDrag(QObject *parent);
-    Qt::DropAction run(std::vector<std::function<void()>> steps,
+    Qt::DropAction run(std::vector<Hand::Step> steps,
                        Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction,
                        Qt::DropAction defaultAction = Qt::CopyAction);
 
@@ -136,7 +136,7 @@ Drag *tst_Drag::makeDrag(QObject *parent)
 }
 
 /// Runs the drag while the steps are done. They begin with the pointer in the source.
-Qt::DropAction tst_Drag::run(std::vector<std::function<void()>> steps, Qt::DropActions actions,
+Qt::DropAction tst_Drag::run(std::vector<Hand::Step> steps, Qt::DropActions actions,
                              Qt::DropAction defaultAction)
 {
     steps.emplace_back([this] {

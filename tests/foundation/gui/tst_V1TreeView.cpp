@@ -51,9 +51,9 @@ private slots:
 private:
     QPoint pointOf(int row) const;
     /// Presses a button and moves on until a drag begins; then does the steps, and ends it.
-    void dragFrom(QPoint const &from, std::vector<std::function<void()>> steps, int longest = 40,
+    void dragFrom(QPoint const &from, std::vector<Hand::Step> steps, int longest = 40,
                   Qt::MouseButton button = Qt::LeftButton);
-    void dragRow(int row, std::vector<std::function<void()>> steps);
+    void dragRow(int row, std::vector<Hand::Step> steps);
     void moveOut();
     QDrag *findDrag() const { return view ? view->findChild<QDrag *>() : nullptr; }
 
@@ -138,8 +138,8 @@ void tst_V1TreeView::moveOut()
     moveTo(*site);
 }
 
-void tst_V1TreeView::dragFrom(QPoint const &from, std::vector<std::function<void()>> steps,
-                              int longest, Qt::MouseButton button)
+void tst_V1TreeView::dragFrom(QPoint const &from, std::vector<Hand::Step> steps, int longest,
+                              Qt::MouseButton button)
 {
     std::unique_ptr<Hand> hand;
     steps.emplace_back([] { QDrag::cancel(); });
@@ -159,7 +159,7 @@ void tst_V1TreeView::dragFrom(QPoint const &from, std::vector<std::function<void
         model->onMimeData = onMimeData;
 }
 
-void tst_V1TreeView::dragRow(int row, std::vector<std::function<void()>> steps)
+void tst_V1TreeView::dragRow(int row, std::vector<Hand::Step> steps)
 {
     dragFrom(pointOf(row), std::move(steps));
 }
