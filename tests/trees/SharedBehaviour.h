@@ -131,8 +131,12 @@ private:
         scene.show();
         scene.open(scene.path());
         scene.open(scene.path("own"));
+        const Things own = scene.own().getAll();
         scene.own().replace(0, 2, {});
         QCOMPARE(scene.dumpRows(), all());
+        // It stays open.
+        scene.own().replace(0, 0, own);
+        QCOMPARE(scene.dumpRows(), all() + " ..'d' ..'e'");
     }
 
     static void positions()

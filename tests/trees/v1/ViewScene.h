@@ -86,6 +86,11 @@ struct ViewScene {
     std::string dump()
     {
         paint();
+        return dumpPainted();
+    }
+    /// The same, as of the last paint.
+    std::string dumpPainted() const
+    {
         std::string text;
         for (QModelIndex index = view->indexAt({5, 3}); index.isValid();
              index = view->indexBelow(index)) {

@@ -36,6 +36,7 @@ private slots:
     void fieldRowsCarryNothing();
     void badIndexesCarryNothing();
     void copiesThatFailAreLeftOut();
+    void copiesAreMadeAtEachDragStart();
     void dragListsStayUntilTheNextDrag();
 
     void nullPayloadIsRefused();
@@ -135,6 +136,17 @@ void tst_ObjectTreeModelDrops::copiesThatFailAreLeftOut()
     QCOMPARE(objs, Things{bad});
     QVERIFY(GUI::getCopyFromMimeData(*mime, copies));
     QVERIFY(copies.empty());
+}
+
+void tst_ObjectTreeModelDrops::copiesAreMadeAtEachDragStart()
+{
+    DropScene scene;
+    Things copies[2];
+    for (Things &made : copies) {
+        const std::unique_ptr<QMimeData> mime(scene.model->mimeData({scene.at({0, 3, 1})}));
+        QVERIFY(GUI::getCopyFromMimeData(*mime, made));
+    }
+    QVERIFY(copies[0].at(0) && copies[1].at(0) && copies[0][0] != copies[1][0]);
 }
 
 void tst_ObjectTreeModelDrops::dragListsStayUntilTheNextDrag()

@@ -17,6 +17,7 @@ private slots:
     void emptyRootLeadsToTheTop();
     void emptyRootLeadsToTheTopPastEmptyLinks();
     void foreignPathsLeadToTheTop();
+    void pathThatEndsAtAnObjectLeadsToItsRoot();
     void refusedFieldsLeadNowhere();
     void foreignFieldsLeadNowhere();
     void positionsBeyondTheEndLeadNowhere();
@@ -140,6 +141,19 @@ void tst_ObjectTreeModelPaths::foreignPathsLeadToTheTop()
     Path dead = other.path("own", 1);
     other.a().reset();
     QCOMPARE(scene.model->makeIndex(dead, true), scene.top());
+}
+
+/// KEPT: whatever its steps.
+void tst_ObjectTreeModelPaths::pathThatEndsAtAnObjectLeadsToItsRoot()
+{
+    Scene scene;
+    scene.showFetched(3);
+    Path path = scene.path("own", 1);
+    path.pushField(*scene.e()->findField("name"));
+    path.pop();
+    QCOMPARE(path.getType(), Path::Object);
+    QCOMPARE(path.getObj().get(), scene.e().get());
+    QVERIFY(scene.model->makeIndex(path, true) == scene.at({0}));
 }
 
 void tst_ObjectTreeModelPaths::refusedFieldsLeadNowhere()

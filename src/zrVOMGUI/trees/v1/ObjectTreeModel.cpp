@@ -37,6 +37,8 @@ void ObjectTreeModel::relayout(Operation const &change)
     Q_EMIT layoutChanged();
 }
 
+/// KEPT: also the same database again lays the rows out. Hosts tell in this way that it has other
+/// icons now.
 void ObjectTreeModel::setObjIconDB(RefT<ObjectIconDB> const &db)
 {
     const RefT<ObjectIconDB> newDB = db;

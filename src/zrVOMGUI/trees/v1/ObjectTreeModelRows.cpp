@@ -97,7 +97,9 @@ void ObjectTreeModel::Root::update(bool)
         setChildCount(wanted.entries.size());
 }
 
-/// KEPT: what leads nowhere leads to the top. A path without a root is how views reach it.
+/// KEPT: what leads nowhere leads to the top. A path without a root is how views reach it. One that
+/// ends at an object leads to the row of its root, whatever its steps: hosts ask in this way for the
+/// object that they put there.
 PtrT<ObjectTreeModel::Row> ObjectTreeModel::Root::find(Path const &path, std::size_t, bool create)
 {
     for (RefT<Row> const &child : children) {

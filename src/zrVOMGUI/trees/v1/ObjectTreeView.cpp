@@ -5,7 +5,6 @@
 
 #include <QMouseEvent>
 #include <QPaintEvent>
-#include <QPersistentModelIndex>
 #include <QPointer>
 #include <QTimer>
 
@@ -23,6 +22,7 @@ ObjectTreeView::ObjectTreeView(RefT<Exporter> const &exporter, RefT<Xml::Importe
     QTreeView::setModel(&treeModel);
     delete before;
     showTop();
+    connect(&treeModel, &QAbstractItemModel::dataChanged, this, &ObjectTreeView::onRowChanged);
     updateConnection = treeModel.sigUpdate.connect(*this, &ObjectTreeView::onObjTreeModelSigUpdate);
 }
 
@@ -73,6 +73,8 @@ void ObjectTreeView::update(ObjectRow *row)
         TreeView::update(treeModel.getIndex(row));
 }
 
+/// KEPT: a view asks for its own repaint, which Qt gives to the frame alone. Hosts that paint round
+/// the rows ask for that; a change of the rows asks for itself.
 void ObjectTreeView::requestUpdate()
 {
     if (!updateRequested)
@@ -88,18 +90,77 @@ void ObjectTreeView::onObjTreeModelSigUpdate(SigVoidData const &)
     viewport()->update();
 }
 
+/// A row that has lost its children and has some again isn't fetched, while for Qt it may be open
+/// still.
+void ObjectTreeView::onRowChanged(QModelIndex const &index)
+{
+    if (model() != &treeModel || !isExpanded(index) || !treeModel.canFetchMore(index))
+        return;
+    toFetch.emplace_back(index);
+    if (!inPaint)
+        onObjTreeModelSigUpdate({});
+}
+
+namespace {
+
+/// A widget that asks in vain to be painted.
+class NoUpdates {
+public:
+    explicit NoUpdates(QWidget &silenced)
+        : widget(silenced)
+        , before(silenced.testAttribute(Qt::WA_UpdatesDisabled))
+    {
+        // Not setUpdatesEnabled(), which asks for an update itself in the end.
+        widget.setAttribute(Qt::WA_UpdatesDisabled);
+    }
+    ~NoUpdates() { widget.setAttribute(Qt::WA_UpdatesDisabled, before); }
+    NoUpdates(NoUpdates const &) = delete;
+    NoUpdates &operator=(NoUpdates const &) = delete;
+
+private:
+    QWidget &widget;
+    const bool before;
+};
+
+} // namespace
+
+/// Brings the rows up to date, and Qt's layout of them.
+void ObjectTreeView::followModel(QPaintEvent const &event)
+{
+    const LockBool lock(inPaint);
+    const auto run = [this] {
+        treeModel.update();
+        // A listener may empty and fill more of them.
+        while (!toFetch.empty())
+            for (QPersistentModelIndex const &row : std::exchange(toFetch, {}))
+                if (row.isValid())
+                    treeModel.fetchMore(row);
+    };
+    if (!updateRequested) {
+        run();
+        return;
+    }
+    // Qt answers each change of rows by asking for a repaint, and this is the one.
+    {
+        const NoUpdates silence(*viewport());
+        run();
+        executeDelayedItemsLayout();
+    }
+    // Unless it was asked for a part, or the layout made the viewport larger.
+    if (!QRegion(viewport()->rect()).subtracted(event.region()).isEmpty())
+        viewport()->update();
+}
+
 void ObjectTreeView::paintEvent(QPaintEvent *event)
 {
-    {
-        const LockBool lock(inPaint);
-        treeModel.update();
-    }
-    if (std::exchange(selChangedInPaint, false))
-        QTimer::singleShot(0, this, [this] { tellSelection(); });
-    TreeView::paintEvent(event);
+    followModel(*event);
+    // Before Qt paints: what changes while it asks for icons wants another paint.
     updateRequested = false;
     if (std::exchange(askedInPaint, false))
         onObjTreeModelSigUpdate({});
+    if (std::exchange(selChangedInPaint, false))
+        QTimer::singleShot(0, this, [this] { tellSelection(); });
+    TreeView::paintEvent(event);
 }
 
 void ObjectTreeView::selectionChanged(QItemSelection const &selected,

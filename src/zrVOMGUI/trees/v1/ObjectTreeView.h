@@ -3,6 +3,8 @@
 #include "zrVOMGUI/foundation/gui/v1/TreeView.h"
 #include "zrVOMGUI/trees/v1/ObjectTreeModel.h"
 
+#include <QPersistentModelIndex>
+
 #include <set>
 #include <string>
 #include <vector>
@@ -14,8 +16,8 @@ namespace ZR::VOM::GUI::V1 {
 /// Objects, and what they link to, as a QTreeView over an ObjectTreeModel, which it owns.
 ///
 /// Changes of the objects only ask for a repaint, however many they are; the rows follow on the way
-/// into the next paint. A hidden view does nothing. A selection that changes with the rows is told
-/// after that paint, from the event loop.
+/// into the next paint, and a branch that is open shows what it has by then. A hidden view does
+/// nothing. A selection that changes with the rows is told after that paint, from the event loop.
 ///
 /// A drag over the view does what the keyboard says: Shift moves, Control copies, Alt links, where
 /// the model allows it; all else does defaultDropAction(), which Qt has as IgnoreAction until the
@@ -27,7 +29,8 @@ namespace ZR::VOM::GUI::V1 {
 ///
 /// A listener may destroy the view in sigDoubleClick, in sigClear, and where one of the operations
 /// here makes or selects rows. Signals that come from within Qt's handling of an event, a paint
-/// among them, are followed by Qt's own use of the view: take deleteLater() there.
+/// among them, or from its layout, as in showSel(), are followed by Qt's own use of the view: take
+/// deleteLater() there.
 ///
 /// Nothing here owns the objects. GUI thread only. Texts are UTF-8.
 class ZRVOMGUI_EXPORT ObjectTreeView : public ZR::GUI::V1::TreeView {
@@ -126,7 +129,8 @@ public:
     using TreeView::update;
     /// Repaints a row. Null and a row that is gone are passed over.
     void update(ObjectRow *row);
-    /// Repaints the view, unless the model has asked for that already.
+    /// Asks for a repaint of the view itself, which is its frame; the rows lie in the viewport and
+    /// ask for themselves. Does nothing while a repaint for the model's sake is on the way.
     void requestUpdate();
     /// @}
 
@@ -141,7 +145,9 @@ public:
     /// Scrolls to the selected rows, one after the other.
     void showSel();
 
-    /// A set for the host's own use, which nothing here reads. An empty name is passed over.
+    /// An empty name is passed over.
+    /// KEPT: a set for the host's own use, which nothing here reads: hosts ask it in a rule of their
+    /// own, and select by setSel().
     void addSelectableClass(std::string const &name);
     void removeSelectableClass(std::string const &name) { selectableClasses.erase(name); }
     void clearSelectableClasses() { selectableClasses.clear(); }
@@ -162,6 +168,8 @@ public:
 
 private:
     void onObjTreeModelSigUpdate(SigVoidData const &sigData);
+    void onRowChanged(QModelIndex const &index);
+    void followModel(QPaintEvent const &event);
     void tellSelection();
     void updateDropAction(QDropEvent &event) const;
     Qt::DropAction dropActionOf(Qt::KeyboardModifiers modifiers) const;
@@ -172,8 +180,9 @@ private:
     std::set<std::string> selectableClasses;
     bool inPaint = false; // While the rows follow the model.
     bool selChangedInPaint = false;
-    bool updateRequested = false; // A repaint is on the way.
-    bool askedInPaint = false;    // The model wants another one after this.
+    bool updateRequested = false;               // A repaint is on the way.
+    bool askedInPaint = false;                  // The model wants another one after this.
+    std::vector<QPersistentModelIndex> toFetch; // Open rows that have children again.
     Signal::Connection updateConnection;
 
 public:
