@@ -7,6 +7,7 @@
 #include "zrVOMGUI/widgets/FieldTallyT.h"
 #include "zrVOMGUI/widgets/ObjsManager.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -19,8 +20,9 @@ namespace ZR::VOM::GUI {
 ///
 /// `F` is a field class of one value, such as FieldReal; a field of that name and another class
 /// counts as none. While it is bound, the manager hears of each field that appears, goes or
-/// changes, and emits sigModify for each. An object that dies isn't heard of: it counts as absent
-/// from the next update on.
+/// changes, and emits sigModify for each. The death of an object emits nothing: it counts as absent
+/// from the next update on. So does a field whose addition or removal went by unheard, since an
+/// exception ended the signal, from the next call of update() or set() on.
 ///
 /// Owns neither objects nor fields. Listeners of model and manager may destroy the manager or give
 /// it another list at any moment. GUI thread only.
@@ -98,11 +100,16 @@ public:
     std::size_t getFieldCount() const { return fieldCount; }
 
     /// Reads all fields, and emits sigModify. Does nothing inside sigModify: what listeners change
-    /// there is told with the next change. An exception from a listener goes to the error sink.
+    /// there is told with the next change. Neither inside set(), which updates when it is done. An
+    /// exception from a listener goes to the error sink.
     void update()
     {
-        if (life->isUpdating)
+        if (life->isUpdating || life->isSetting)
             return;
+        settleDoubts();
+        for (std::size_t i = 0; i < boundObjs.size(); ++i)
+            if (!isDoubtful(i))
+                lookAgain(i);
         tally.recount();
         tell();
     }
@@ -113,12 +120,24 @@ public:
     /// KEPT: where a listener refuses, or raises whatever exception, the object stays as it is, and
     /// the others get the value all the same. Nothing is reported: users see a mixed value.
     ///
-    /// Ends where a listener unbinds the manager or gives it another list or name.
+    /// Ends where a listener unbinds the manager or gives it another list or name. Called by a
+    /// listener of sigModify, it emits that at once, unlike update(); called while another set()
+    /// runs, it leaves that to the other one.
     void set(Value const &value, bool createOnDemand)
     {
         const std::shared_ptr<Life> held = life;
-        if (setAll(value, createOnDemand))
-            update();
+        if (held->isSetting) {
+            setAll(value, createOnDemand);
+            return;
+        }
+        {
+            const LockBool lock(held->isSetting);
+            setAll(value, createOnDemand);
+        }
+        if (held->isOver)
+            return;
+        held->isUpdating = false;
+        update();
     }
 
     /// After each update.
@@ -148,12 +167,19 @@ private:
     /// runs.
     struct Life {
         bool isUpdating = false;
+        bool isSetting = false;
         bool isOver = false;
         unsigned numBindings = 0;
     };
 
     struct ObjConnections {
-        Signal::Connection add, remove;
+        Signal::Connection death, add, remove;
+        void disconnect()
+        {
+            death.disconnect();
+            add.disconnect();
+            remove.disconnect();
+        }
     };
     struct FieldConnections {
         Signal::Connection death, set;
@@ -179,20 +205,37 @@ private:
         const unsigned number;
     };
 
+    /// A slot whose field may be gone when a removal that runs is over, or still there: another
+    /// one may run around it that goes unheard, and this one may end by an exception.
+    struct Doubt {
+        std::size_t index;
+        PtrT<Class> removal; // Null once it is over.
+    };
+
     /// What an update is where every change was noted.
     void tell()
     {
         const std::shared_ptr<Life> held = life;
-        if (held->isUpdating)
+        if (held->isUpdating || held->isSetting)
             return;
         const LockBool lock(held->isUpdating);
+        settleDoubts();
         const Value value = tally.getValue();
-        tally.refresh();
         SigModifyData data;
         data.count = tally.getCount();
         data.mixed = tally.isMixed();
         data.value = &value;
         sigModify.emitCatching(data, "ZR::VOM::GUI::FieldManagerT::update");
+    }
+
+    /// Of a slot that was filled or emptied, and once more where a listener does the contrary.
+    void tellOfSlot(std::size_t i)
+    {
+        const Binding binding(*this);
+        F const *const told = tally.get(i);
+        tell();
+        if (!binding.isOver() && tally.get(i) != told)
+            tell();
     }
 
     bool canBind() const { return !field.empty() && !getObjs().empty(); }
@@ -213,47 +256,62 @@ private:
 
     void bindObj(Object &object, std::size_t i)
     {
+        if (object.isBeingDeleted())
+            return;
         boundObjs[i] = &object;
-        const std::size_t place = object.findFieldIndex(field);
-        if (F *const found = fieldAt(object, place)) {
-            tally.fill(i, *found);
-            ++fieldCount;
-            watchField(object, *found, i);
-        } else {
-            watchAdding(object, i);
-        }
+        objConnections[i].death = object.sigDelete.connect(
+            [this](auto const &sigData) { onObjSigDelete(sigData); }, {}, new Index(i));
+        if (F *const found = firstField(object))
+            take(i, *found);
+        else
+            watchAdding(i);
     }
 
     void unbind()
     {
         ++life->numBindings;
-        for (ObjConnections &connections : objConnections) {
-            connections.add.disconnect();
-            connections.remove.disconnect();
-        }
+        for (ObjConnections &connections : objConnections)
+            connections.disconnect();
         for (FieldConnections &connections : fieldConnections)
             connections.disconnect();
         objConnections.clear();
         fieldConnections.clear();
         boundObjs.clear();
+        doubts.clear();
         tally.reset(0);
         fieldCount = 0;
     }
 
-    void watchAdding(Object &object, std::size_t i)
+    /// Into the empty slot of a bound object.
+    void take(std::size_t i, F &found)
     {
-        objConnections[i].add = object.sigAddField.connect(
+        objConnections[i].add.disconnect();
+        tally.fill(i, found);
+        ++fieldCount;
+        watchField(i, found);
+    }
+    /// What is gone from its object, or about to go.
+    void drop(std::size_t i)
+    {
+        fieldConnections[i].disconnect();
+        objConnections[i].remove.disconnect();
+        tally.empty(i);
+        --fieldCount;
+        watchAdding(i);
+    }
+
+    void watchAdding(std::size_t i)
+    {
+        objConnections[i].add = boundObjs[i]->sigAddField.connect(
             [this](auto const &sigData) { onObjSigAddField(sigData); }, {}, new Index(i));
     }
-    void watchField(Object &object, F &found, std::size_t i)
+    void watchField(std::size_t i, F &found)
     {
         const RefT<Class> index(new Index(i));
-        objConnections[i].remove = object.sigRemoveField.connect(
+        objConnections[i].remove = boundObjs[i]->sigRemoveField.connect(
             [this](auto const &sigData) { onObjSigRemoveField(sigData); }, {}, index);
         fieldConnections[i].set = found.sigSet.connect(
             [this](auto const &sigData) { onFieldSigSet(sigData); }, {}, index);
-        // It goes with its object, and also where a removal isn't heard of, since a listener before
-        // takes out another field meanwhile.
         fieldConnections[i].death = found.sigDelete.connect(
             [this](auto const &sigData) { onFieldSigDelete(sigData); }, {}, index);
     }
@@ -267,14 +325,72 @@ private:
     {
         return place < object.getNumFields() ? cast<F>(object.getField(place)) : nullptr;
     }
+    /// The one that binding takes.
+    F *firstField(Object const &object) const
+    {
+        return fieldAt(object, object.findFieldIndex(field));
+    }
+    /// The first one of the class.
+    F *anyField(Object const &object) const
+    {
+        for (std::size_t place = 0; place < object.getNumFields(); ++place)
+            if (F *const found =
+                    object.getField(place)->name == field ? fieldAt(object, place) : nullptr)
+                return found;
+        return nullptr;
+    }
+
+    /// While a removal runs, of whatever field of the object.
+    void doubt(std::size_t i)
+    {
+        // A slot that goes in the middle of an emission is kept until that is over.
+        const RefT<Class> token(new Index(i));
+        boundObjs[i]->sigRemoveField.connect([](auto const &) {}, {}, token).disconnect();
+        doubts.push_back({i, token});
+    }
+    bool isDoubtful(std::size_t i) const
+    {
+        return std::any_of(doubts.begin(), doubts.end(),
+                           [i](Doubt const &doubted) { return doubted.index == i; });
+    }
+    void settleDoubts()
+    {
+        for (Doubt &doubted : std::exchange(doubts, {})) {
+            if (doubted.removal)
+                doubts.push_back(std::move(doubted));
+            else
+                lookAgain(doubted.index);
+        }
+    }
+    /// Makes up for what went by unheard.
+    void lookAgain(std::size_t i)
+    {
+        Object const *const object = boundObjs[i];
+        if (!object)
+            return;
+        if (tally.get(i) && tally.get(i)->owner != object)
+            drop(i);
+        if (F *const found = tally.get(i) ? nullptr : firstField(*object))
+            take(i, *found);
+    }
 
     /// Told with the next update.
+    void onObjSigDelete(SigVoidData const &sigData)
+    {
+        const std::size_t i = indexOf(sigData);
+        objConnections[i].disconnect();
+        boundObjs[i] = nullptr;
+        if (tally.get(i))
+            tally.empty(i);
+    }
+
+    /// With its object, or because its removal wasn't heard of. Told with the next update.
     void onFieldSigDelete(SigVoidData const &sigData)
     {
         const std::size_t i = indexOf(sigData);
         fieldConnections[i].disconnect();
         if (tally.get(i))
-            tally.empty(i);
+            drop(i);
     }
 
     void onFieldSigSet(SigVoidData const &sigData)
@@ -288,56 +404,34 @@ private:
     void onObjSigAddField(SigAddFieldData const &sigData)
     {
         const std::size_t i = indexOf(sigData);
-        const PtrT<Object> object(boundObjs[i]);
-        const PtrT<F> added(fieldAt(*object, sigData.index));
+        F *added = fieldAt(*boundObjs[i], sigData.index);
+        // Or one before, of which only the signal for this one made it here.
+        if ((!added || added->name != field) && !isDoubtful(i))
+            added = firstField(*boundObjs[i]);
         if (!added || added->name != field)
             return;
-        const Binding binding(*this);
-        objConnections[i].add.disconnect();
-        tally.fill(i, *added);
-        ++fieldCount;
-        tell();
-        if (binding.isOver() || !object)
-            return;
-        if (added && added->owner == object.get()) {
-            watchField(*object, *added, i);
-            tally.noteValue(i); // A listener of the update may have set it.
-        } else {
-            // A listener of the update took it out.
-            tally.recount();
-            waitForField(i, object);
-        }
+        take(i, *added);
+        tellOfSlot(i);
     }
 
     void onObjSigRemoveField(SigRemoveFieldData const &sigData)
     {
         const std::size_t i = indexOf(sigData);
-        if (!tally.get(i) || tally.get(i) != sigData.field->get())
+        doubt(i);
+        if (tally.get(i) != sigData.field->get())
             return;
-        fieldConnections[i].disconnect();
-        objConnections[i].remove.disconnect();
-        tally.empty(i);
-        waitForField(i, PtrT<Object>(boundObjs[i]));
+        drop(i);
+        tellOfSlot(i);
     }
 
-    /// In place of one that is gone.
-    void waitForField(std::size_t i, PtrT<Object> const &object)
+    void setAll(Value const &value, bool createOnDemand)
     {
         const Binding binding(*this);
-        --fieldCount;
-        tell();
-        if (!binding.isOver() && object)
-            watchAdding(*object, i);
-    }
-
-    /// False when it was ended by a listener.
-    bool setAll(Value const &value, bool createOnDemand)
-    {
-        const Binding binding(*this);
-        const std::shared_ptr<Life> held = life;
-        const LockBool lock(held->isUpdating);
         const Value wanted = value; // Listeners may change what it refers to.
+        settleDoubts();
         for (std::size_t i = 0; !binding.isOver() && i < tally.getNumSlots(); ++i) {
+            if (!tally.get(i) && !isDoubtful(i))
+                lookAgain(i);
             try {
                 if (F *const found = tally.get(i))
                     found->set(wanted);
@@ -348,26 +442,32 @@ private:
                 continue;
             }
         }
-        return !held->isOver;
     }
 
     /// KEPT: an object that has a field of that name and another class gets one more, since it
-    /// counts as lacking it.
+    /// counts as lacking it; and no further one, however often it is bound.
     void create(std::size_t i, Value const &value)
     {
         // A list that changed since without a word may hold other objects there.
         ObjPtrs const &objs = getObjs();
-        if (i < objs.size() && objs[i] && objs[i].get() == boundObjs[i])
-            addField<F>(*objs[i], field.c_str(), value);
+        if (i >= objs.size() || !objs[i] || objs[i].get() != boundObjs[i])
+            return;
+        if (F *const there = isDoubtful(i) ? nullptr : anyField(*boundObjs[i])) {
+            take(i, *there);
+            there->set(value);
+        } else {
+            addField<F>(*boundObjs[i], field.c_str(), value);
+        }
     }
 
     std::string field;
     bool bound = false;
     // One entry per object of the list, in its order. All empty while nothing is followed.
     FieldTallyT<F> tally;
-    std::vector<Object *> boundObjs; // Not owned. Reads where it emits, else only compared.
+    std::vector<Object *> boundObjs; // Not owned. Null for one that is gone.
     std::vector<ObjConnections> objConnections;
     std::vector<FieldConnections> fieldConnections;
+    std::vector<Doubt> doubts;
     std::size_t fieldCount = 0; // Of slots filled, and not emptied since by a removal.
     const std::shared_ptr<Life> life = std::make_shared<Life>();
 };

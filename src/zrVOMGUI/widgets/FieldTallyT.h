@@ -4,140 +4,178 @@
 #include "zrVOMGUI/foundation/util/Ptr.h"
 
 #include <cstddef>
-#include <utility>
+#include <limits>
 #include <vector>
 
 namespace ZR::VOM::GUI {
 
 /// The fields of a list of objects, and whether their values agree.
 ///
-/// A slot for each object, in the order of the list; empty where the object has no such field. All
-/// are compared to the first one that is there. While they don't agree, one that differs is known,
-/// so that most changes cost one comparison, whatever the number of slots. Only when that one comes
-/// to agree, another is looked for, from its place on: changing all slots in whatever order costs
-/// few looks at all of them.
+/// A slot for each object, in the order of the list; empty where the object has no such field.
+/// Slots whose values differ stand in pairs, as many as can be, so that those that are left without
+/// a mate agree: all agree when there is no pair. A change concerns its slot, the mate of that and
+/// one of those without, so that it costs a few comparisons, whatever the number of slots
+/// and whatever changed before.
 template <class F>
 class ZRVOMGUI_EXPORT FieldTallyT {
 public:
     using Value = typename F::Value;
 
-    std::size_t getNumSlots() const { return fields.size(); }
+    std::size_t getNumSlots() const { return entries.size(); }
     /// That many slots, all empty.
     void reset(std::size_t numSlots)
     {
-        fields.clear();
-        fields.resize(numSlots);
+        entries.clear();
+        entries.resize(numSlots);
         recount();
     }
 
     /// Null for an empty slot.
-    F *get(std::size_t i) const { return fields[i].get(); }
+    F *get(std::size_t i) const { return entries[i].field.get(); }
     /// Into an empty slot, which is to be emptied before the field is gone.
     void fill(std::size_t i, F &field)
     {
-        fields[i] = field;
-        if (++count == 1 || i < first) {
+        entries[i].field = field;
+        if (++count == 1 || i < first)
             first = i;
-            takeFirstValue();
-        } else {
-            noteValue(i);
-        }
+        place(i);
     }
     /// A filled one.
     void empty(std::size_t i)
     {
-        fields[i].reset();
+        const std::size_t mate = entries[i].mate;
+        if (mate == none)
+            takeFromSingles(i);
+        else
+            part(i, mate);
+        entries[i].field.reset();
         --count;
-        if (i == first) {
+        if (mate != none)
+            place(mate);
+        if (i == first)
             first = findFilled(i);
-            takeFirstValue();
-        }
     }
     /// The value of a filled slot has changed.
     void noteValue(std::size_t i)
     {
-        if (i == first) {
-            takeFirstValue();
-        } else if (isAgreed && differs(i)) {
-            isAgreed = false;
-            differing = i;
+        const std::size_t mate = entries[i].mate;
+        if (mate == none ? agrees(i) : differ(i, mate))
+            return;
+        if (mate == none) {
+            takeFromSingles(i);
+        } else {
+            part(i, mate);
+            place(mate);
         }
+        place(i);
     }
 
-    /// Looks at all slots, also at those whose change wasn't noted. A field that left its object,
-    /// or outlives it, is taken out.
+    /// Looks at all slots, also at those whose change wasn't noted.
     void recount()
     {
-        count = 0;
-        for (PtrT<F> &field : fields) {
-            if (field && !field->owner)
-                field.reset();
-            count += field ? 1 : 0;
-        }
+        count = numPairs = 0;
+        singles.clear();
         first = findFilled(0);
-        isAgreed = false;
-        takeFirstValue();
-        refresh();
+        for (std::size_t i = first; i < entries.size(); ++i) {
+            entries[i].mate = none;
+            if (entries[i].field) {
+                ++count;
+                place(i);
+            }
+        }
     }
-    /// Makes sure that what is said to differ does.
-    void refresh()
-    {
-        if (!isAgreed && (differing >= fields.size() || !isDiffering(differing)))
-            findDiffering();
-    }
-
-    /// \name What the last recount() or refresh() found
-    /// @{
 
     /// The number of filled slots.
     std::size_t getCount() const { return count; }
     /// Not all values agree.
     /// KEPT: one that doesn't equal itself, such as NaN, agrees with none. So an empty line warns
     /// the user of it wherever there is more than one.
-    bool isMixed() const { return !isAgreed; }
+    bool isMixed() const { return numPairs != 0; }
     /// The first value; that of a new number where there is none.
-    Value const &getValue() const { return value; }
-    /// @}
+    Value getValue() const
+    {
+        F const *const field = first < entries.size() ? entries[first].field.get() : nullptr;
+        return field ? field->get() : Value{};
+    }
 
 private:
-    bool differs(std::size_t i) const { return !(fields[i]->get() == value); }
+    static constexpr auto none = std::numeric_limits<std::size_t>::max();
+
+    struct Slot {
+        PtrT<F> field;
+        std::size_t mate = none;  // A slot of another value.
+        std::size_t position = 0; // Among those without a mate.
+    };
 
     /// The first filled slot that isn't before `i`, or the number of slots.
     std::size_t findFilled(std::size_t i) const
     {
-        while (i < fields.size() && !fields[i])
+        while (i < entries.size() && !entries[i].field)
             ++i;
         return i;
     }
 
-    void takeFirstValue()
+    bool differ(std::size_t i, std::size_t k) const
     {
-        const Value old = std::exchange(value, count != 0 ? fields[first]->get() : Value{});
-        if (isAgreed && count > 1 && !(old == value)) {
-            isAgreed = false;
-            differing = first;
-        }
+        F const *const a = entries[i].field.get();
+        F const *const b = entries[k].field.get();
+        return !a || !b || !(a->get() == b->get());
     }
 
-    bool isDiffering(std::size_t i) const { return i != first && fields[i] && differs(i); }
-
-    /// From the last one that differed on, and round to it.
-    void findDiffering()
+    bool agrees(std::size_t i) const
     {
-        for (std::size_t n = 0; n < fields.size(); ++n) {
-            differing = differing + 1 < fields.size() ? differing + 1 : 0;
-            if (isDiffering(differing))
+        F const *const field = entries[i].field.get();
+        return field && field->get() == agreed;
+    }
+
+    /// Finds a mate for a filled slot, or puts it to those that agree.
+    void place(std::size_t i)
+    {
+        std::vector<std::size_t> changed; // Of which that isn't noted yet.
+        for (;;) {
+            if (singles.empty())
+                agreed = entries[i].field->get();
+            if (singles.empty() || agrees(i)) {
+                entries[i].position = singles.size();
+                singles.push_back(i);
+            } else {
+                const std::size_t mate = singles.back();
+                singles.pop_back();
+                if (!differ(i, mate)) {
+                    changed.push_back(mate);
+                    continue;
+                }
+                entries[i].mate = mate;
+                entries[mate].mate = i;
+                ++numPairs;
+            }
+            if (changed.empty())
                 return;
+            i = changed.back();
+            changed.pop_back();
         }
-        isAgreed = true;
     }
 
-    std::vector<PtrT<F>> fields;
-    std::size_t count = 0;     // Of filled slots.
-    std::size_t first = 0;     // The first filled slot; the number of slots when there is none.
-    Value value{};             // Of that.
-    std::size_t differing = 0; // Unless all agree, a slot that differs from the first.
-    bool isAgreed = true;
+    void part(std::size_t i, std::size_t mate)
+    {
+        entries[i].mate = entries[mate].mate = none;
+        --numPairs;
+    }
+
+    void takeFromSingles(std::size_t i)
+    {
+        const std::size_t position = entries[i].position;
+        singles[position] = singles.back();
+        entries[singles[position]].position = position;
+        singles.pop_back();
+    }
+
+    std::vector<Slot> entries;
+    std::vector<std::size_t> singles; // Filled slots without a mate, which agree.
+    Value agreed{};                   // On this. Theirs may have changed and be noted next.
+    std::size_t numPairs = 0;
+    std::size_t count = 0; // Of filled slots.
+    std::size_t first = 0; // The first filled slot; the number of slots when there is none.
 };
 
 } // namespace ZR::VOM::GUI
