@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QStyle>
 
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -123,7 +124,11 @@ private slots:
     void clearedSlotShowsNothing();
     void settersUpdateOnlyAValue();
     void labelFollowsTheNameField();
+    void clearedSlotFollowsNothing();
+    void labelMayBeInAnyScript();
+    void iconFollowsTheStyle();
     void valueIsNotKeptAlive();
+    void pictureOfADeadObjectStays();
     void labelIsNoMarkup();
     void confirmTellsTheClassAndThenTheHost();
 
@@ -132,6 +137,9 @@ private slots:
     void modifiersDecide_data();
     void modifiersDecide();
     void acceptedStepIsTraced();
+    void moveIsJudgedByTheModifiersOfItsTime();
+    void everyDropIsAccepted();
+    void eventWithoutPayloadIsIgnored();
     void refusedStepIsNotTraced();
     void xmlIsTakenWithAnImporterOnly();
     void xmlThatDoesNotParseIsRefused();
@@ -139,15 +147,24 @@ private slots:
 
     void dragCarriesTheObject_data();
     void dragCarriesTheObject();
+    void emptySlotCarriesAnEmptyReference_data();
     void emptySlotCarriesAnEmptyReference();
     void disabledSlotIsNotDragged();
     void shortMoveIsNoDrag();
     void moveAwayLeavesASetButEmptySlot_data();
     void moveAwayLeavesASetButEmptySlot();
+    void copyAndLinkLeaveTheValue_data();
     void copyAndLinkLeaveTheValue();
+    void dropOnItselfLeavesTheValue_data();
     void dropOnItselfLeavesTheValue();
     void slotMayDieDuringItsDrag_data();
     void slotMayDieDuringItsDrag();
+    void slotThatDiesInItsDropLeavesAnEmptyPayload_data();
+    void slotThatDiesInItsDropLeavesAnEmptyPayload();
+    void secondStartDuringADragIsIgnored_data();
+    void secondStartDuringADragIsIgnored();
+    void derivedClassHearsTheEndOfADrag_data();
+    void derivedClassHearsTheEndOfADrag();
     void mimeTypesAreKept();
 
     void derivedClassDecidesPictureTextAndDrop();
@@ -162,6 +179,9 @@ private slots:
     void deadValueIsHarmless();
     void objectThatIsDraggedLivesUntilTheEnd_data();
     void objectThatIsDraggedLivesUntilTheEnd();
+    void databaseMayChangeTheDatabase();
+    void databaseMayDestroyTheSlot_data();
+    void databaseMayDestroyTheSlot();
     void listenerMayDestroyTheSlot_data();
     void listenerMayDestroyTheSlot();
 
@@ -311,6 +331,54 @@ void tst_ObjectView::labelFollowsTheNameField()
     QVERIFY(!slot->text().contains('c'));
 }
 
+void tst_ObjectView::clearedSlotFollowsNothing()
+{
+    slot->setValue(things[0]);
+    slot->clear();
+    QVERIFY(!fieldOf<FieldString>(things[0], "name").sigSet.hasSlots());
+    slot->setValue(things[0]);
+    fieldOf<FieldString>(things[0], "name").set("new");
+    QCOMPARE(slot->text(), QString("'new'"));
+}
+
+void tst_ObjectView::labelMayBeInAnyScript()
+{
+    const QString name = QString::fromUtf8("\xc3\xa4\xe6\xbc\xa2\xf0\x9f\x99\x82");
+    slot->setValue(makeThing(name.toStdString()));
+    QCOMPARE(slot->text(), "'" + name + "'");
+}
+
+void tst_ObjectView::iconFollowsTheStyle()
+{
+    slot->setObjIconDB(RefT<ObjectIconDB>(new RedDB));
+    const auto changeStyle = [&] {
+        QEvent event(QEvent::StyleChange);
+        QApplication::sendEvent(slot, &event);
+    };
+    changeStyle();
+    QVERIFY(!slot->hasIcon());
+    slot->setValue(things[0]);
+    slot->findChildren<QLabel *>().first()->clear();
+    changeStyle();
+    QVERIFY(slot->hasIcon());
+}
+
+/// KEPT: until the next value.
+void tst_ObjectView::pictureOfADeadObjectStays()
+{
+    slot->setObjIconDB(RefT<ObjectIconDB>(new RedDB));
+    slot->setValue(things[0]);
+    things[0] = {};
+    slot->setTypeName(true);
+    slot->setFieldName("other");
+    slot->setObjIconDB({});
+    QCOMPARE(slot->text(), QString("'a'"));
+    QVERIFY(slot->hasIcon());
+    slot->setValue({});
+    QCOMPARE(slot->text(), QString());
+    QVERIFY(!slot->hasIcon());
+}
+
 void tst_ObjectView::valueIsNotKeptAlive()
 {
     slot->setValue(things[0]);
@@ -412,6 +480,62 @@ void tst_ObjectView::acceptedStepIsTraced()
                                     "  dropAction: 2\n"));
 }
 
+/// KEPT: each accepted step is told on the standard output, also where it says the same again.
+void tst_ObjectView::moveIsJudgedByTheModifiersOfItsTime()
+{
+    Output output;
+    const auto payload = payloadOf({things[0]});
+    slot->setDropActions(Qt::CopyAction | Qt::LinkAction);
+    QVERIFY(dragOver(*slot, *payload).accepted);
+    output.take();
+    const auto moveOver = [&](Qt::KeyboardModifiers modifiers) {
+        QDragMoveEvent move(QPoint(1, 1), Qt::CopyAction | Qt::MoveAction | Qt::LinkAction,
+                            payload.get(), Qt::LeftButton, modifiers);
+        move.setAccepted(modifiers == Qt::ShiftModifier); // The contrary of what it comes to.
+        QApplication::sendEvent(slot, &move);
+        return move.isAccepted() ? gui_test::nameOf(move.dropAction()) : QString("refused");
+    };
+    const QString told = "ZR::VOM::GUI::ObjectView::onCanDrop()\n"
+                         "  dropActions: 5\n"
+                         "  dropAction: %1\n";
+    QCOMPARE(moveOver(Qt::AltModifier), QString("link"));
+    QCOMPARE(output.take(), told.arg(4));
+    QCOMPARE(moveOver(Qt::ShiftModifier), QString("refused"));
+    QCOMPARE(output.take(), QString());
+    QCOMPARE(moveOver({}), QString("copy"));
+    QCOMPARE(moveOver({}), QString("copy"));
+    QCOMPARE(output.take(), told.arg(1) + told.arg(1));
+}
+
+/// KEPT: also one that was refused before and changes nothing.
+void tst_ObjectView::everyDropIsAccepted()
+{
+    const auto payload = payloadOf(things);
+    QVERIFY(!dragOver(*slot, *payload).accepted);
+    QDropEvent event(QPointF(1, 1), Qt::CopyAction, payload.get(), Qt::LeftButton, {});
+    event.setAccepted(false);
+    slot->takeDrop(event);
+    QVERIFY(event.isAccepted());
+    QVERIFY(!slot->isSet());
+}
+
+void tst_ObjectView::eventWithoutPayloadIsIgnored()
+{
+    slot->setValue(things[0]);
+    for (bool before : {false, true}) {
+        QDragEnterEvent enter(QPoint(1, 1), Qt::CopyAction, nullptr, Qt::LeftButton, {});
+        enter.setAccepted(before);
+        QApplication::sendEvent(slot, &enter);
+        QCOMPARE(enter.isAccepted(), before);
+        QDropEvent event(QPointF(1, 1), Qt::CopyAction, nullptr, Qt::LeftButton, {});
+        event.setAccepted(before);
+        slot->takeDrop(event);
+        QVERIFY(event.isAccepted());
+    }
+    QCOMPARE(slot->getValue().get(), things[0].get());
+    QCOMPARE(slot->take(), QString());
+}
+
 void tst_ObjectView::refusedStepIsNotTraced()
 {
     Output output;
@@ -424,9 +548,8 @@ void tst_ObjectView::xmlIsTakenWithAnImporterOnly()
 {
     Output output;
     const RefT<Exporter> exporter(new XmlExporter);
-    std::unique_ptr<QMimeData> payload(createMimeData(exporter, &things, nullptr));
     const Objects one{things[0]};
-    payload.reset(createMimeData(exporter, &one, nullptr));
+    const std::unique_ptr<QMimeData> payload(createMimeData(exporter, &one, nullptr));
     payload->removeFormat(MimeType::objects);
     QVERIFY(!dragOver(*slot, *payload).accepted);
     Slot other(nullptr, makeImporter());
@@ -493,9 +616,15 @@ void tst_ObjectView::dragCarriesTheObject()
     QCOMPARE(proposed, QString("link"));
 }
 
+void tst_ObjectView::emptySlotCarriesAnEmptyReference_data()
+{
+    dragCarriesTheObject_data();
+}
+
 void tst_ObjectView::emptySlotCarriesAnEmptyReference()
 {
-    slot->setDragEnabled(true, true);
+    QFETCH(bool, intern);
+    slot->setDragEnabled(true, intern);
     Objects carried;
     site->onEvent = [&](QDropEvent &event) {
         getFromMimeData(*event.mimeData(), carried);
@@ -546,9 +675,15 @@ void tst_ObjectView::moveAwayLeavesASetButEmptySlot()
     QCOMPARE(slot->take(), QString("onConfirm sigConfirm"));
 }
 
+void tst_ObjectView::copyAndLinkLeaveTheValue_data()
+{
+    dragCarriesTheObject_data();
+}
+
 void tst_ObjectView::copyAndLinkLeaveTheValue()
 {
-    slot->setDragEnabled(true, true);
+    QFETCH(bool, intern);
+    slot->setDragEnabled(true, intern);
     slot->setValue(things[0]);
     for (Qt::DropAction action : {Qt::CopyAction, Qt::LinkAction, Qt::IgnoreAction}) {
         site->onEvent = [&](QDropEvent &event) {
@@ -561,10 +696,16 @@ void tst_ObjectView::copyAndLinkLeaveTheValue()
     QCOMPARE(slot->take(), QString());
 }
 
+void tst_ObjectView::dropOnItselfLeavesTheValue_data()
+{
+    dragCarriesTheObject_data();
+}
+
 void tst_ObjectView::dropOnItselfLeavesTheValue()
 {
+    QFETCH(bool, intern);
     Output output;
-    slot->setDragEnabled(true, true);
+    slot->setDragEnabled(true, intern);
     slot->setDefaultDropAction(Qt::MoveAction);
     slot->setValue(things[0]);
     dragOut({[&] { gui_test::moveTo(*slot); }, [&] { gui_test::release(*slot); }});
@@ -585,6 +726,103 @@ void tst_ObjectView::slotMayDieDuringItsDrag()
     slot->setValue(things[0]);
     dragOut({[&] { gui_test::moveTo(*site); }, [&] { delete slot.data(); }});
     QVERIFY(!slot);
+}
+
+void tst_ObjectView::slotThatDiesInItsDropLeavesAnEmptyPayload_data()
+{
+    dragCarriesTheObject_data();
+}
+
+void tst_ObjectView::slotThatDiesInItsDropLeavesAnEmptyPayload()
+{
+    QFETCH(bool, intern);
+    slot->setDragEnabled(true, intern);
+    slot->setValue(things[0]);
+    QStringList formats{"not dropped"};
+    site->onEvent = [&](QDropEvent &event) {
+        event.accept();
+        if (event.type() != QEvent::Drop)
+            return;
+        delete slot.data();
+        formats = event.mimeData()->formats();
+    };
+    dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    QVERIFY(!slot);
+    QCOMPARE(formats, QStringList());
+}
+
+void tst_ObjectView::secondStartDuringADragIsIgnored_data()
+{
+    dragCarriesTheObject_data();
+}
+
+void tst_ObjectView::secondStartDuringADragIsIgnored()
+{
+    QFETCH(bool, intern);
+    slot->setDragEnabled(true, intern);
+    slot->setValue(things[0]);
+    Objects carried;
+    site->onEvent = [&](QDropEvent &event) {
+        event.accept();
+        if (event.type() != QEvent::Drop)
+            return;
+        slot->setValue(things[1]);
+        QMouseEvent move(QEvent::MouseMove, QPointF(90, 50), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(slot, &move);
+        getFromMimeData(*event.mimeData(), carried);
+    };
+    dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    QVERIFY(site->text().contains("drop"));
+    QCOMPARE(carried, Objects{things[0]});
+    // Another one, when it is over.
+    dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    QCOMPARE(carried, Objects{things[1]});
+}
+
+void tst_ObjectView::derivedClassHearsTheEndOfADrag_data()
+{
+    dragCarriesTheObject_data();
+}
+
+void tst_ObjectView::derivedClassHearsTheEndOfADrag()
+{
+    QFETCH(bool, intern);
+    class Own : public Slot {
+    public:
+        using Slot::Slot;
+
+    protected:
+        void onDragDrop(ZR::GUI::Drag &drag, Qt::DropAction action) override
+        {
+            note("intern", drag.source(), drag.target(), action);
+        }
+        void onDragDrop(QDrag &drag, Qt::DropAction action) override
+        {
+            note("extern", drag.source(), drag.target(), action);
+        }
+
+    private:
+        void note(QString const &kind, QObject *source, QObject *target, Qt::DropAction action)
+        {
+            log += kind + ' ' + gui_test::nameOf(action);
+            QCOMPARE(source, static_cast<QObject *>(this));
+            QVERIFY(target && target != this);
+        }
+    };
+    delete slot.data();
+    slot = new Own(window.get());
+    slot->setGeometry(0, 0, 100, 60);
+    slot->show();
+    slot->setDragEnabled(true, intern);
+    slot->setValue(things[0]);
+    site->onEvent = [](QDropEvent &event) {
+        event.setDropAction(Qt::MoveAction);
+        event.accept();
+    };
+    dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    QCOMPARE(slot->take(), QString(intern ? "intern move" : "extern move"));
+    // What the class says in place of the slot counts.
+    QCOMPARE(slot->getValue().get(), things[0].get());
 }
 
 void tst_ObjectView::mimeTypesAreKept()
@@ -809,6 +1047,84 @@ void tst_ObjectView::objectThatIsDraggedLivesUntilTheEnd()
     QVERIFY(wasAlive);
     QVERIFY(!watch);
     QVERIFY(!slot->getValue());
+}
+
+namespace {
+
+/// Does something whenever it is asked.
+class Meddler : public ObjectIconDB {
+public:
+    explicit Meddler(std::function<void()> thingToDo)
+        : deed(std::move(thingToDo))
+    {
+    }
+    QIcon find(RefT<Object> const &) const override
+    {
+        const auto kept = deed; // This may die.
+        kept();
+        return {};
+    }
+
+private:
+    std::function<void()> deed;
+};
+
+} // namespace
+
+void tst_ObjectView::databaseMayChangeTheDatabase()
+{
+    PtrT<ObjectIconDB> db;
+    bool livesOn = false;
+    db = new Meddler([&] {
+        slot->setObjIconDB({});
+        livesOn = bool(db);
+    });
+    slot->setObjIconDB(RefT<ObjectIconDB>(db));
+    slot->setValue(things[0]);
+    QVERIFY(livesOn);
+    QVERIFY(!db);
+}
+
+void tst_ObjectView::databaseMayDestroyTheSlot_data()
+{
+    QTest::addColumn<QString>("act");
+    for (char const *act : {"set", "drop", "move away", "drag", "drag within the process"})
+        QTest::newRow(act) << act;
+}
+
+void tst_ObjectView::databaseMayDestroyTheSlot()
+{
+    QFETCH(QString, act);
+    Output output;
+    slot->setFieldName("a name that takes memory of its own");
+    slot->setValue(things[0]);
+    bool destroys = false;
+    const RefT<ObjectIconDB> db(new Meddler([&] {
+        if (destroys)
+            delete slot.data();
+    }));
+    slot->setObjIconDB(db);
+    destroys = true;
+    if (act == "set") {
+        slot->setValue(things[1]);
+    } else if (act == "drop") {
+        const auto payload = payloadOf({things[1]});
+        QDropEvent event(QPointF(1, 1), Qt::CopyAction, payload.get(), Qt::LeftButton, {});
+        slot->takeDrop(event);
+    } else {
+        slot->setDragEnabled(true, act.contains("process"));
+        if (act == "move away") {
+            destroys = false;
+            site->onEvent = [&](QDropEvent &event) {
+                event.setDropAction(Qt::MoveAction);
+                event.accept();
+                destroys = true;
+            };
+        }
+        dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    }
+    QVERIFY(!slot);
+    QCOMPARE(site->text().contains("drop"), act == "move away");
 }
 
 void tst_ObjectView::listenerMayDestroyTheSlot_data()

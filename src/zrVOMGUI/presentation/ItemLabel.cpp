@@ -168,11 +168,12 @@ QPixmap makeItemListPixmap(QWidget const &widget, std::vector<RefT<Object>> cons
     painter.setFont(widget.font());
     painter.setBackground(widget.palette().window());
     painter.setPen(widget.palette().color(QPalette::Text));
-    // The widget's lists and database may be replaced while the database is asked.
+    // What the widget owns may be replaced, and the widget destroyed, while the database is asked.
     const std::vector<RefT<Object>> kept = objects;
     const RefT<ObjectIconDB> keptDB = iconDB;
+    const std::string keptName = fieldName;
     tryCatch("ZR::VOM::GUI::makeItemListPixmap", [&] {
-        paintItemList(painter, kept, keptDB, fieldName, typeName, false, margin, margin, iconSize);
+        paintItemList(painter, kept, keptDB, keptName, typeName, false, margin, margin, iconSize);
     });
     return pixmap;
 }

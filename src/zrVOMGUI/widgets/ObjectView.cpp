@@ -1,5 +1,6 @@
 #include "zrVOMGUI/widgets/ObjectView.h"
 
+#include "zrVOMGUI/foundation/gui/GuardedDrag.h"
 #include "zrVOMGUI/foundation/gui/QtVersion.h"
 #include "zrVOMGUI/foundation/util/Error.h"
 #include "zrVOMGUI/presentation/ItemLabel.h"
@@ -16,6 +17,7 @@
 
 #include <iostream>
 #include <memory>
+#include <utility>
 
 namespace ZR::VOM::GUI {
 
@@ -35,6 +37,7 @@ ObjectView::ObjectView(RefT<Exporter> const &xmlExporter, RefT<Xml::Importer> co
     , importer(xmlImporter)
     , iconLabel(new QLabel(this))
     , textLabel(new QLabel(this))
+    , externDrag(std::make_unique<ZR::GUI::GuardedDrag>())
 {
     constexpr int edge = 4;
     auto *const row = new QHBoxLayout(this);
@@ -53,12 +56,10 @@ ObjectView::ObjectView(RefT<Exporter> const &xmlExporter, RefT<Xml::Importer> co
 ObjectView::~ObjectView()
 {
     connection.disconnect();
-    if (!runningDrag)
-        return;
-    // Lives on until it ends, with nothing to offer.
-    runningDrag->setParent(nullptr);
-    runningDrag->mimeData()->clear();
-    QDrag::cancel();
+    // A drag that runs has nothing to offer from now on.
+    externDrag->abandon();
+    if (internDrag)
+        internDrag->mimeData()->clear();
 }
 
 void ObjectView::setObjIconDB(RefT<ObjectIconDB> const &db)
@@ -88,16 +89,22 @@ void ObjectView::setDragEnabled(bool enabled, bool intern)
     dragIntern = intern;
 }
 
+/// KEPT: picture and text of an object that dies stay, until the next value: users of a form read
+/// there what was lost. A host that wants an empty slot calls clear().
 void ObjectView::setValue(RefT<Object> const &object)
 {
+    const QPointer<ObjectView> self(this);
     value = object;
     hasValue = true;
     updateIcon();
-    updateLabel();
+    if (self)
+        updateLabel();
 }
 
 void ObjectView::clear()
 {
+    connection.disconnect();
+    nameField = {};
     value = {};
     hasValue = false;
     iconLabel->setPixmap({});
@@ -114,9 +121,13 @@ void ObjectView::confirm()
     sigConfirm.emitCatching(sigData, "ZR::VOM::GUI::ObjectView::confirm");
 }
 
+/// The database may destroy the slot.
 void ObjectView::updateIcon()
 {
-    iconLabel->setPixmap(onUpdateIcon());
+    const QPointer<ObjectView> self(this);
+    const QPixmap picture = onUpdateIcon();
+    if (self)
+        iconLabel->setPixmap(picture);
 }
 
 void ObjectView::updateLabel()
@@ -133,11 +144,15 @@ void ObjectView::onConfirm() {}
 
 QPixmap ObjectView::onUpdateIcon()
 {
+    const QPointer<ObjectView> self(this);
     QIcon icon;
+    const RefT<ObjectIconDB> db = objIconDB; // It may set another one.
     tryCatch("ZR::VOM::GUI::ObjectView::onUpdateIcon", [&] {
-        if (objIconDB)
-            icon = objIconDB->find(RefT<Object>(value));
+        if (db)
+            icon = db->find(RefT<Object>(value));
     });
+    if (!self)
+        return {};
     const int size = iconSizeOf(*this);
     return ZR::GUI::pixmapFor(*this, icon, QSize(size, size));
 }
@@ -203,33 +218,40 @@ void ObjectView::mouseMoveEvent(QMouseEvent *event)
 /// Returns when the drag is over. Until then the model may change, and the slot may be destroyed.
 void ObjectView::startDrag()
 {
+    if (!dragObjs.empty())
+        return;
     const QPointer<ObjectView> self(this);
     dragObjs = {RefT<Object>(value)};
     std::unique_ptr<QMimeData> payload(createMimeData(exporter, &dragObjs, nullptr));
     if (!self)
         return;
-    if (dragIntern) {
-        runDrag(*new ZR::GUI::Drag(this), payload.release());
-    } else {
-        runningDrag = new QDrag(this);
-        runDrag(*runningDrag, payload.release());
-    }
+    const QPixmap pixmap = makeDragPixmap();
     if (!self)
         return;
-    runningDrag = nullptr;
-    dragObjs.clear();
+    if (dragIntern)
+        runInternDrag(std::move(payload), pixmap);
+    else
+        externDrag->exec(*this,
+                         {std::move(payload),
+                          pixmap,
+                          {},
+                          [this](QDrag &drag, Qt::DropAction action) { onDragDrop(drag, action); }},
+                         dragActions, defaultDragAction);
+    if (!self)
+        return;
+    const std::vector<RefT<Object>> released = std::exchange(dragObjs, {});
 }
 
-template <class AnyDrag>
-void ObjectView::runDrag(AnyDrag &drag, QMimeData *payload)
+void ObjectView::runInternDrag(std::unique_ptr<QMimeData> payload, QPixmap const &pixmap)
 {
     const QPointer<ObjectView> self(this);
-    const QPointer<AnyDrag> kept(&drag);
-    drag.setMimeData(payload);
-    drag.setPixmap(makeDragPixmap());
-    const Qt::DropAction action = drag.exec(dragActions, defaultDragAction);
-    if (self && kept)
-        onDragDrop(drag, action);
+    const QPointer<ZR::GUI::Drag> drag(new ZR::GUI::Drag(this));
+    internDrag = drag;
+    drag->setMimeData(payload.release());
+    drag->setPixmap(pixmap);
+    const Qt::DropAction action = drag->exec(dragActions, defaultDragAction);
+    if (self && drag)
+        onDragDrop(*drag, action);
 }
 
 void ObjectView::onDragDrop(ZR::GUI::Drag &drag, Qt::DropAction action)
@@ -248,8 +270,10 @@ void ObjectView::onDragDrop(QDrag &drag, Qt::DropAction action)
 /// was never there.
 void ObjectView::moveAway()
 {
+    const QPointer<ObjectView> self(this);
     setValue({});
-    confirm();
+    if (self)
+        confirm();
 }
 
 QPixmap ObjectView::makeDragPixmap() const
@@ -286,6 +310,8 @@ void ObjectView::dragMoveEvent(QDragMoveEvent *event)
     acceptDrag(*event);
 }
 
+/// KEPT: says of every drop that it was taken, also of one that changes nothing. What doesn't fit
+/// isn't offered to the widgets behind the slot.
 void ObjectView::dropEvent(QDropEvent *event)
 {
     if (event->mimeData()) {
@@ -331,8 +357,10 @@ void ObjectView::onDrop(std::vector<RefT<Object>> const &objects, bool, QDropEve
 {
     if (objects.size() != 1)
         return;
+    const QPointer<ObjectView> self(this);
     setValue(objects.front());
-    confirm();
+    if (self)
+        confirm();
 }
 
 } // namespace ZR::VOM::GUI

@@ -14,12 +14,17 @@
 #include <QPoint>
 #include <QPointer>
 
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
 
 class QDrag;
 class QLabel;
+
+namespace ZR::GUI {
+class GuardedDrag;
+}
 
 namespace ZR::VOM::GUI {
 
@@ -106,15 +111,21 @@ public:
 protected:
     /// The user changed the value. Does nothing here.
     virtual void onConfirm();
-    /// The picture of the value; called when it or the database changes.
+    /// The picture of the value, at the size of a button's icon; null without a database. Called
+    /// when a value is set, also null, and while there is one when the database or the style
+    /// changes.
     virtual QPixmap onUpdateIcon();
-    /// The text of the value; called when it, its name or the settings change.
+    /// The text of the value. Called when a value is set, also null, when the name field that the
+    /// last text was made from changes, and while there is a value when the settings do.
     virtual QString onUpdateText();
     /// Whether the objects may be dropped; sets the event's drop action to what the drop would do.
-    /// `copied` says that they are new ones, made of XML.
+    /// `copied` says that they are new ones, made of XML, which nobody owns: each step of a drag
+    /// makes its own, and they die with the event unless they are adopted.
     virtual bool onCanDrop(std::vector<RefT<Object>> const &objects, bool copied,
                            QDropEvent &event);
     /// Takes a dropped object as the value, and confirms it. Of more or less than one nothing.
+    /// Where `copied` is true, or a sender offered an object that nobody owns, the host must adopt
+    /// it before this returns, here, in onConfirm() or in sigConfirm: the slot only watches.
     virtual void onDrop(std::vector<RefT<Object>> const &objects, bool copied, QDropEvent &event);
     /// A drag from here is over. Empties the slot, and confirms that, when the object was moved
     /// elsewhere.
@@ -128,10 +139,6 @@ protected:
     void dropEvent(QDropEvent *event) override;
     void changeEvent(QEvent *event) override;
 
-public:
-    /// The user changed the value: by a drop, by moving it away, or what confirm() stands for.
-    SignalT<SigVoidData> sigConfirm;
-
 private:
     struct Dropped {
         std::vector<RefT<Object>> objects;
@@ -144,8 +151,7 @@ private:
     void updateAlignment();
     void onPtrObjFieldNameSigSet(FieldString::SigSetData const &sigData);
     void startDrag();
-    template <class AnyDrag>
-    void runDrag(AnyDrag &drag, QMimeData *data);
+    void runInternDrag(std::unique_ptr<QMimeData> payload, QPixmap const &pixmap);
     void moveAway();
     QPixmap makeDragPixmap() const;
     Dropped readDropped(QMimeData const &data) const;
@@ -167,12 +173,19 @@ private:
     bool hasValue = false;
     PtrT<Object> value;
     PtrT<FieldString> nameField; // From which the label was made last.
-    QBrush background;           // That was set last.
     QPoint pressPos;
-    std::vector<RefT<Object>> dragObjs; // Of the running drag.
+    std::vector<RefT<Object>> dragObjs; // Of the running drag, whose payload names them.
     QLabel *iconLabel, *textLabel;
     Signal::Connection connection; // To the name field's sigSet.
-    QPointer<QDrag> runningDrag;
+
+public:
+    /// The user changed the value: by a drop, by moving it away, or what confirm() stands for.
+    SignalT<SigVoidData> sigConfirm;
+
+private:
+    QBrush background; // That was set last.
+    const std::unique_ptr<ZR::GUI::GuardedDrag> externDrag;
+    QPointer<ZR::GUI::Drag> internDrag;
 };
 
 } // namespace ZR::VOM::GUI

@@ -13,10 +13,13 @@ Qt::DropAction GuardedDrag::exec(QObject &source, Load load, Qt::DropActions act
     started->setPixmap(load.pixmap);
     started->setHotSpot(load.hotSpot);
     drag = started;
+    const QPointer<QDrag> kept(started);
     const Qt::DropAction done = started->exec(actions, defaultAction);
     // Qt keeps the QDrag for as long as another program may ask for its data.
     if (guard && drag == started)
         drag = nullptr;
+    if (guard && kept && load.onEnd)
+        load.onEnd(*kept, done);
     return done;
 }
 

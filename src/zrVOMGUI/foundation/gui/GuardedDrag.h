@@ -7,6 +7,7 @@
 #include <QPixmap>
 #include <QPointer>
 
+#include <functional>
 #include <memory>
 
 namespace ZR::GUI {
@@ -28,6 +29,8 @@ public:
         std::unique_ptr<QMimeData> payload;
         QPixmap pixmap;
         QPoint hotSpot;
+        /// Called when the drag is over, unless it or the source is gone.
+        std::function<void(QDrag &, Qt::DropAction)> onEnd = {};
     };
 
     bool isRunning() const { return drag; }
