@@ -36,6 +36,11 @@ ObjectGraphView::ObjectGraphView(RefT<Exporter> const &exporter, QWidget *parent
     horizontalScrollBar()->setLayoutDirection(Qt::LeftToRight);
 }
 
+ObjectGraphView::ObjectGraphView(QWidget *parent)
+    : ObjectGraphView(RefT<Exporter>(), parent)
+{
+}
+
 ObjectGraphView::~ObjectGraphView()
 {
     announceDelete();
@@ -326,6 +331,16 @@ void ObjectGraphView::onTooltipSigSet(PropT<bool>::SigSetData const &)
     if (!tooltip.get())
         setToolTip(QString());
     update();
+}
+
+void ObjectGraphView::writeTooltip(bool on)
+{
+    tryCatch("ZR::VOM::GUI::ObjectGraphView::tooltip", [&] { tooltip.set(on); });
+}
+
+void ObjectGraphView::writeAnimDuration(double seconds)
+{
+    tryCatch("ZR::VOM::GUI::ObjectGraphView::animDuration", [&] { animDuration.set(seconds); });
 }
 
 void ObjectGraphView::setColor(QColor &stored, QColor const &color)

@@ -54,18 +54,25 @@ struct LinkEntry;
 /// arrow shows the neighbours that are hidden there. A right click asks for a context menu, of
 /// which the view has none, and a move from a pressed box drags the selected objects.
 ///
+/// What is a plain value is also a Qt property of the same name, for forms and style sheets.
+///
 /// GUI thread only. Coordinates are content pixels with y downward, a node's x and y its centre;
 /// they may be negative. Times are seconds. Unknown objects, null references and empty lists are
 /// passed over without a report.
 class ZRVOMGUI_EXPORT ObjectGraphView : public QAbstractScrollArea, public ZR::Object {
     Q_OBJECT
-    Q_PROPERTY(QColor colorBg0 READ colorBg0 WRITE setColorBg0)
-    Q_PROPERTY(QColor colorBg1 READ colorBg1 WRITE setColorBg1)
-    Q_PROPERTY(QColor colorBaseNode READ colorBaseNode WRITE setColorBaseNode)
-    Q_PROPERTY(QColor colorTextNode READ colorTextNode WRITE setColorTextNode)
-    Q_PROPERTY(QColor colorSelNode READ colorSelNode WRITE setColorSelNode)
-    Q_PROPERTY(QColor colorRectNode READ colorRectNode WRITE setColorRectNode)
-    Q_PROPERTY(QColor colorRectSelNode READ colorRectSelNode WRITE setColorRectSelNode)
+    Q_PROPERTY(QString fieldName READ readFieldName WRITE writeFieldName)
+    Q_PROPERTY(bool typeName READ isTypeName WRITE setTypeName)
+    Q_PROPERTY(QString fieldTooltip READ readFieldTooltip WRITE writeFieldTooltip)
+    Q_PROPERTY(bool tooltip READ readTooltip WRITE writeTooltip)
+    Q_PROPERTY(double animDuration READ readAnimDuration WRITE writeAnimDuration)
+    Q_PROPERTY(QColor colorBg0 READ colorBg0 WRITE writeColorBg0)
+    Q_PROPERTY(QColor colorBg1 READ colorBg1 WRITE writeColorBg1)
+    Q_PROPERTY(QColor colorBaseNode READ colorBaseNode WRITE writeColorBaseNode)
+    Q_PROPERTY(QColor colorTextNode READ colorTextNode WRITE writeColorTextNode)
+    Q_PROPERTY(QColor colorSelNode READ colorSelNode WRITE writeColorSelNode)
+    Q_PROPERTY(QColor colorRectNode READ colorRectNode WRITE writeColorRectNode)
+    Q_PROPERTY(QColor colorRectSelNode READ colorRectSelNode WRITE writeColorRectSelNode)
 
 public:
     using Node = Graph::Node;
@@ -92,6 +99,8 @@ public:
 
     /// `exporter` writes the XML of drag payloads; without one they carry none.
     explicit ObjectGraphView(RefT<Exporter> const &exporter = {}, QWidget *parent = nullptr);
+    /// As forms make it.
+    explicit ObjectGraphView(QWidget *parent);
     ~ObjectGraphView() override;
 
     /// \name Objects
@@ -276,7 +285,7 @@ private:
     using Nodes = std::map<PtrT<Object>, NodeSlot, ByAddress>;
 
     /// Holds back repaints while many links change.
-    class RefreshPause {
+    class ZR_LOCAL RefreshPause {
     public:
         explicit RefreshPause(ObjectGraphView &pausedView);
         ~RefreshPause();
@@ -288,66 +297,66 @@ private:
         const bool wasEnabled;
     };
 
-    RefT<Node> insertNode(RefT<Object> const &obj);
-    Node *findNode(Ptr const &obj) const;
-    std::vector<RefT<Object>> collectObjs(bool (*wanted)(Node const &)) const;
-    void eraseSlot(Nodes::iterator slot);
-    void refresh(bool stale);
-    void updateViewport();
-    bool storeVisible(Node &node, bool visible);
-    void emitSigInsertNode(std::vector<RefT<Object>> const &objs);
-    void emitSigRemoveNode(std::vector<RefT<Object>> const &objs);
-    void emitSigSel(char const *where);
-    void onPtrClassSigDelete(SigVoidData const &sigData);
-    void onTooltipSigSet(PropT<bool>::SigSetData const &sigData);
+    ZR_LOCAL RefT<Node> insertNode(RefT<Object> const &obj);
+    ZR_LOCAL Node *findNode(Ptr const &obj) const;
+    ZR_LOCAL std::vector<RefT<Object>> collectObjs(bool (*wanted)(Node const &)) const;
+    ZR_LOCAL void eraseSlot(Nodes::iterator slot);
+    ZR_LOCAL void refresh(bool stale);
+    ZR_LOCAL void updateViewport();
+    ZR_LOCAL bool storeVisible(Node &node, bool visible);
+    ZR_LOCAL void emitSigInsertNode(std::vector<RefT<Object>> const &objs);
+    ZR_LOCAL void emitSigRemoveNode(std::vector<RefT<Object>> const &objs);
+    ZR_LOCAL void emitSigSel(char const *where);
+    ZR_LOCAL void onPtrClassSigDelete(SigVoidData const &sigData);
+    ZR_LOCAL void onTooltipSigSet(PropT<bool>::SigSetData const &sigData);
 
     // Link tracking.
-    LinkFields &linkFields(Graph::Direction direction);
-    bool isLinkField(LinkFields const &map, PtrT<Field> const &field) const;
-    void addLinkField(Graph::Direction direction, std::string const &className,
-                      std::string const &name);
-    void removeLinkField(Graph::Direction direction, std::string const &className,
-                         std::string const &name);
-    void link(Node &from, Node &to, unsigned count);
-    void unlink(Node &from, Node &to, unsigned count);
-    void linkAlong(Graph::Direction direction, Node &node, Ptr const &obj);
-    void unlinkAlong(Graph::Direction direction, Node &node, Ptr const &obj);
-    void connectField(Graph::Direction direction, Node &node, Field &field);
+    ZR_LOCAL LinkFields &linkFields(Graph::Direction direction);
+    ZR_LOCAL bool isLinkField(LinkFields const &map, PtrT<Field> const &field) const;
+    ZR_LOCAL void addLinkField(Graph::Direction direction, std::string const &className,
+                               std::string const &name);
+    ZR_LOCAL void removeLinkField(Graph::Direction direction, std::string const &className,
+                                  std::string const &name);
+    ZR_LOCAL void link(Node &from, Node &to, unsigned count);
+    ZR_LOCAL void unlink(Node &from, Node &to, unsigned count);
+    ZR_LOCAL void linkAlong(Graph::Direction direction, Node &node, Ptr const &obj);
+    ZR_LOCAL void unlinkAlong(Graph::Direction direction, Node &node, Ptr const &obj);
+    ZR_LOCAL void connectField(Graph::Direction direction, Node &node, Field &field);
     template <class LinkField>
     void watchField(Graph::Direction direction, Node &node, LinkField &field);
-    void removeWatchedField(Graph::Direction direction, Node &node, Field &field);
-    void connectLinkFields(Node &node);
-    void dropLinks(Node &node);
-    void clearLinks();
-    void updateLinks();
-    void watchObject(Node &node);
-    void onObjectSigAddField(Node &node, SigAddFieldData const &sigData);
-    void onObjectSigRemoveField(Node &node, SigRemoveFieldData const &sigData);
+    ZR_LOCAL void removeWatchedField(Graph::Direction direction, Node &node, Field &field);
+    ZR_LOCAL void connectLinkFields(Node &node);
+    ZR_LOCAL void dropLinks(Node &node);
+    ZR_LOCAL void clearLinks();
+    ZR_LOCAL void updateLinks();
+    ZR_LOCAL void watchObject(Node &node);
+    ZR_LOCAL void onObjectSigAddField(Node &node, SigAddFieldData const &sigData);
+    ZR_LOCAL void onObjectSigRemoveField(Node &node, SigRemoveFieldData const &sigData);
 
     // Labels and icons.
-    void updateIcon(Node &node);
-    void updateLabel(Node &node, Field const *leaving = nullptr);
-    void updateLabels();
-    void onRefObjIconDBSigDelete(SigVoidData const &sigData);
+    ZR_LOCAL void updateIcon(Node &node);
+    ZR_LOCAL void updateLabel(Node &node, Field const *leaving = nullptr);
+    ZR_LOCAL void updateLabels();
+    ZR_LOCAL void onRefObjIconDBSigDelete(SigVoidData const &sigData);
 
     // Layout.
-    void layout(RefT<Node> const &anchor);
-    std::vector<RefT<Node>> findAnchors(RefT<Node> const &anchor) const;
-    std::vector<Node *> beginLayout();
-    void layoutComponents(std::vector<Node *> visibleNodes);
-    void commitLayout(std::int64_t dx, std::int64_t dy);
-    void startAnimation();
-    void place(RefT<Node> const &node, int x, int y);
-    void move(RefT<Node> const &node, int x, int y);
-    void updateSize(Node &node);
+    ZR_LOCAL void layout(RefT<Node> const &anchor);
+    ZR_LOCAL std::vector<RefT<Node>> findAnchors(RefT<Node> const &anchor) const;
+    ZR_LOCAL std::vector<Node *> beginLayout();
+    ZR_LOCAL void layoutComponents(std::vector<Node *> visibleNodes);
+    ZR_LOCAL void commitLayout(std::int64_t dx, std::int64_t dy);
+    ZR_LOCAL void startAnimation();
+    ZR_LOCAL void place(RefT<Node> const &node, int x, int y);
+    ZR_LOCAL void move(RefT<Node> const &node, int x, int y);
+    ZR_LOCAL void updateSize(Node &node);
 
     // Revealing neighbours.
     struct Row;
-    void showLinkedIn(RefT<Node> const &node);
-    void showLinkedOut(RefT<Node> const &node);
-    Row measureRow(Node &node, Graph::Direction direction);
-    void showRow(Row const &row, std::int64_t left, std::int64_t y);
-    void scrollTo(std::vector<RefT<Node>> const &boundNodes);
+    ZR_LOCAL void showLinkedIn(RefT<Node> const &node);
+    ZR_LOCAL void showLinkedOut(RefT<Node> const &node);
+    ZR_LOCAL Row measureRow(Node &node, Graph::Direction direction);
+    ZR_LOCAL void showRow(Row const &row, std::int64_t left, std::int64_t y);
+    ZR_LOCAL void scrollTo(std::vector<RefT<Node>> const &boundNodes);
 
     // Interaction.
     enum Hit {
@@ -356,45 +365,55 @@ private:
         HitIn,   // Its upper arrow.
         HitOut   // Its lower arrow.
     };
-    QPoint contentPos(QPoint const &viewportPos) const;
-    Hit hitTest(Node const &node, QPoint const &pos) const;
-    std::pair<RefT<Node>, Hit> find(QPoint const &pos) const;
-    std::pair<RefT<Node>, Hit> find(int x, int y) const;
-    void click(RefT<Node> const &node, Hit hit, bool keepsOthers);
-    void askForMenu(RefT<Node> const &node, Hit hit, QPoint const &viewportPos);
-    void updateTooltip(QPoint const &pos);
+    ZR_LOCAL QPoint contentPos(QPoint const &viewportPos) const;
+    ZR_LOCAL Hit hitTest(Node const &node, QPoint const &pos) const;
+    ZR_LOCAL std::pair<RefT<Node>, Hit> find(QPoint const &pos) const;
+    ZR_LOCAL std::pair<RefT<Node>, Hit> find(int x, int y) const;
+    ZR_LOCAL void click(RefT<Node> const &node, Hit hit, bool keepsOthers);
+    ZR_LOCAL void askForMenu(RefT<Node> const &node, Hit hit, QPoint const &viewportPos);
+    ZR_LOCAL void updateTooltip(QPoint const &pos);
 
     // Drag and drop.
-    std::vector<RefT<Object>> getDropObjs(QMimeData const &mimeData) const;
-    void acceptKnown(QDropEvent &event) const;
-    std::vector<RefT<Object>> showRoutesTo(std::set<RefT<Node>> const &dropped, QPoint const &from);
-    std::set<RefT<Node>> findVisibleComponents() const;
-    void startDrag();
-    std::unique_ptr<QMimeData> offerSelection();
-    QPixmap makeDragPixmap();
+    ZR_LOCAL std::vector<RefT<Object>> getDropObjs(QMimeData const &mimeData) const;
+    ZR_LOCAL void acceptKnown(QDropEvent &event) const;
+    ZR_LOCAL std::vector<RefT<Object>> showRoutesTo(std::set<RefT<Node>> const &dropped,
+                                                    QPoint const &from);
+    ZR_LOCAL std::set<RefT<Node>> findVisibleComponents() const;
+    ZR_LOCAL void startDrag();
+    ZR_LOCAL std::unique_ptr<QMimeData> offerSelection();
+    ZR_LOCAL QPixmap makeDragPixmap();
 
     // Painting.
     struct PaintContext;
-    void setupDefaultColors();
-    void setupDefaultNodePaletteColors();
-    void updateScrollbars();
-    bool getVisibleBound(std::vector<RefT<Node>> const &boundNodes, int &left, int &top, int &right,
-                         int &bottom) const;
-    bool getVisibleBound(int &left, int &top, int &right, int &bottom) const;
-    void measureVisibleNodes();
-    void paintBackground(PaintContext const &context);
-    void paintLinks(PaintContext const &context);
-    void layRoute(PaintContext const &context, Node const &node, Node const &far,
-                  Graph::LinkEntry const &entry, QPolygon &route) const;
-    void paintNode(PaintContext const &context, Node &node);
-    void paintArrow(PaintContext const &context, int x, int y, double degrees);
+    ZR_LOCAL void setupDefaultColors();
+    ZR_LOCAL void setupDefaultNodePaletteColors();
+    ZR_LOCAL void updateScrollbars();
+    ZR_LOCAL bool getVisibleBound(std::vector<RefT<Node>> const &boundNodes, int &left, int &top,
+                                  int &right, int &bottom) const;
+    ZR_LOCAL bool getVisibleBound(int &left, int &top, int &right, int &bottom) const;
+    ZR_LOCAL void measureVisibleNodes();
+    ZR_LOCAL void paintBackground(PaintContext const &context);
+    ZR_LOCAL void paintLinks(PaintContext const &context);
+    ZR_LOCAL void layRoute(PaintContext const &context, Node const &node, Node const &far,
+                           Graph::LinkEntry const &entry, QPolygon &route) const;
+    ZR_LOCAL void paintNode(PaintContext const &context, Node &node);
+    ZR_LOCAL void paintArrow(PaintContext const &context, int x, int y, double degrees);
 
     // Animation.
-    double animPeriod() const;
-    void startScrolling(int x, int y);
-    void onQTimerAnimSigTimeout();
-    void onScrollQTimerAnimSigTimeout();
+    ZR_LOCAL double animPeriod() const;
+    ZR_LOCAL void startScrolling(int x, int y);
+    ZR_LOCAL void onQTimerAnimSigTimeout();
+    ZR_LOCAL void onScrollQTimerAnimSigTimeout();
 
+    // The settings, as Qt's properties have them. A refusal goes to the error sink.
+    QString readFieldName() const { return QString::fromStdString(fieldName); }
+    void writeFieldName(QString const &name) { setFieldName(name.toStdString()); }
+    QString readFieldTooltip() const { return QString::fromStdString(fieldTooltip); }
+    void writeFieldTooltip(QString const &name) { setFieldTooltip(name.toStdString()); }
+    bool readTooltip() const { return tooltip.get(); }
+    ZR_LOCAL void writeTooltip(bool on);
+    double readAnimDuration() const { return animDuration.get(); }
+    ZR_LOCAL void writeAnimDuration(double seconds);
     QColor colorBg0() const { return bg0; }
     QColor colorBg1() const { return bg1; }
     QColor colorBaseNode() const { return nodePalette.colorBaseNode; }
@@ -402,14 +421,17 @@ private:
     QColor colorSelNode() const { return nodePalette.colorSelNode; }
     QColor colorRectNode() const { return nodePalette.colorRectNode; }
     QColor colorRectSelNode() const { return nodePalette.colorRectSelNode; }
-    void setColorBg0(QColor const &color) { setColor(bg0, color); }
-    void setColorBg1(QColor const &color) { setColor(bg1, color); }
-    void setColorBaseNode(QColor const &color) { setColor(nodePalette.colorBaseNode, color); }
-    void setColorTextNode(QColor const &color) { setColor(nodePalette.colorTextNode, color); }
-    void setColorSelNode(QColor const &color) { setColor(nodePalette.colorSelNode, color); }
-    void setColorRectNode(QColor const &color) { setColor(nodePalette.colorRectNode, color); }
-    void setColorRectSelNode(QColor const &color) { setColor(nodePalette.colorRectSelNode, color); }
-    void setColor(QColor &stored, QColor const &color);
+    void writeColorBg0(QColor const &color) { setColor(bg0, color); }
+    void writeColorBg1(QColor const &color) { setColor(bg1, color); }
+    void writeColorBaseNode(QColor const &color) { setColor(nodePalette.colorBaseNode, color); }
+    void writeColorTextNode(QColor const &color) { setColor(nodePalette.colorTextNode, color); }
+    void writeColorSelNode(QColor const &color) { setColor(nodePalette.colorSelNode, color); }
+    void writeColorRectNode(QColor const &color) { setColor(nodePalette.colorRectNode, color); }
+    void writeColorRectSelNode(QColor const &color)
+    {
+        setColor(nodePalette.colorRectSelNode, color);
+    }
+    ZR_LOCAL void setColor(QColor &stored, QColor const &color);
 
     RefT<Exporter> xmlExporter;
     LinkFields outLinkFields, inLinkFields;

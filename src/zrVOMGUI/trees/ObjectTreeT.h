@@ -11,6 +11,8 @@
 #include "zrVOMGUI/foundation/vom/Path.h"
 #include "zrVOMGUI/presentation/ObjectIconDB.h"
 
+#include <QString>
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -42,7 +44,7 @@ class VoidRowT;
 /// Nothing here owns the objects. GUI thread only. Texts are UTF-8.
 template <class View, class RowTraits>
 class ZRVOMGUI_EXPORT ObjectTreeT : public RowTraits::Base {
-    struct DropData;
+    struct ZR_LOCAL DropData;
 
 public:
     using Traits = RowTraits;
@@ -161,17 +163,17 @@ protected:
     using OwnedRow = typename Traits::OwnedRow;
     using VoidRow = typename Traits::VoidRow;
     using ObjectRow = typename Traits::ObjectRow;
-    class Root;
-    class FieldRow;
-    class FieldPtrRow;
-    class FieldRefRow;
-    class MFieldPtrRow;
-    class MFieldRefRow;
+    class ZR_LOCAL Root;
+    class ZR_LOCAL FieldRow;
+    class ZR_LOCAL FieldPtrRow;
+    class ZR_LOCAL FieldRefRow;
+    class ZR_LOCAL MFieldPtrRow;
+    class ZR_LOCAL MFieldRefRow;
 
     /// `baseArguments` are those of the tree beneath.
     template <class... Arguments>
-    ObjectTreeT(RefT<Exporter> const &exporter, RefT<Xml::Importer> const &importer,
-                Arguments &&...baseArguments);
+    ZR_LOCAL ObjectTreeT(RefT<Exporter> const &exporter, RefT<Xml::Importer> const &importer,
+                         Arguments &&...baseArguments);
 
     /// \name New rows, after sigRow
     /// @{
@@ -200,22 +202,30 @@ protected:
     bool onCanDrop(QDropEvent &event, typename Traits::RowArgument row, std::size_t index) override;
     void onDrop(QDropEvent &event, typename Traits::RowArgument row, std::size_t index) override;
 
+    /// \name The settings, as the Qt properties of the generations have them
+    /// @{
+    QString readNameField() const { return QString::fromStdString(nameField); }
+    void writeNameField(QString const &name) { setNameField(name.toStdString()); }
+    QString readTooltipField() const { return QString::fromStdString(tooltipField); }
+    void writeTooltipField(QString const &name) { setTooltipField(name.toStdString()); }
+    /// @}
+
 private:
     friend struct RowsT<View>;
     friend class VoidRowT<View>;
 
     View &self() { return static_cast<View &>(*this); }
     Root &root() { return self().getRoot(); }
-    OwnedRow announce(OwnedRow row);
-    QString tooltipAt(QPoint const &viewportPos);
-    RefT<FieldString> findNameField(Row const &row) const;
-    void onRefObjIconDBSigDelete(SigVoidData const &sigData);
-    bool findDropField(DropData &dropData, QDropEvent const &event, Qt::DropAction action,
-                       RowHandle row, std::size_t index);
-    bool findFieldOfObject(DropData &dropData, Object *obj);
-    bool makeDropData(DropData &dropData, QMimeData const &mime, Qt::DropAction action,
-                      typename Traits::RowArgument row, std::size_t index) const;
-    bool canDrop(DropData const &dropData);
+    ZR_LOCAL OwnedRow announce(OwnedRow row);
+    ZR_LOCAL QString tooltipAt(QPoint const &viewportPos);
+    ZR_LOCAL RefT<FieldString> findNameField(Row const &row) const;
+    ZR_LOCAL void onRefObjIconDBSigDelete(SigVoidData const &sigData);
+    ZR_LOCAL bool findDropField(DropData &dropData, QDropEvent const &event, Qt::DropAction action,
+                                RowHandle row, std::size_t index);
+    ZR_LOCAL bool findFieldOfObject(DropData &dropData, Object *obj);
+    ZR_LOCAL bool makeDropData(DropData &dropData, QMimeData const &mime, Qt::DropAction action,
+                               typename Traits::RowArgument row, std::size_t index) const;
+    ZR_LOCAL bool canDrop(DropData const &dropData);
 
     RefT<Exporter> xmlExporter;
     RefT<Xml::Importer> xmlImporter;

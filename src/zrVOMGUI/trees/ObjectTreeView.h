@@ -23,8 +23,8 @@ struct ZRVOMGUI_EXPORT ObjectTreeTraits {
     using RowHandle = std::shared_ptr<Row>;
     using OwnedRow = RowHandle;
     using RowArgument = RowHandle const &;
-    class VoidRow;
-    class ObjectRow;
+    class ZR_LOCAL VoidRow;
+    class ZR_LOCAL ObjectRow;
     template <class AnyRow, class... Arguments>
     static OwnedRow make(Arguments &&...arguments);
 
@@ -53,9 +53,16 @@ struct ZRVOMGUI_EXPORT ObjectTreeTraits {
 /// The view changes the model in one place only: it stores an edited name in the name field. Drops
 /// are carried out by the host, which hears of them by sigDrop.
 ///
+/// What is a plain value is also a Qt property of the same name, for forms and style sheets.
+///
 /// Nothing here owns the objects. GUI thread only. Texts are UTF-8.
 class ZRVOMGUI_EXPORT ObjectTreeView : public Trees::ObjectTreeT<ObjectTreeView, ObjectTreeTraits> {
     Q_OBJECT
+    Q_PROPERTY(QString nameField READ readNameField WRITE writeNameField)
+    Q_PROPERTY(QString tooltipField READ readTooltipField WRITE writeTooltipField)
+    Q_PROPERTY(bool typeName READ isTypeName WRITE setTypeName)
+    Q_PROPERTY(bool address READ isAddress WRITE setAddress)
+    Q_PROPERTY(bool hideFields READ isHideFields WRITE setHideFields)
 
 public:
     explicit ObjectTreeView(QWidget *parent = nullptr);
@@ -91,7 +98,7 @@ public:
 
 private:
     friend class Trees::ObjectTreeT<ObjectTreeView, ObjectTreeTraits>;
-    Root &getRoot();
+    ZR_LOCAL Root &getRoot();
 
     bool address = false;
 };

@@ -13,8 +13,16 @@ extern template class FieldLineEditT<FieldReal, ZR::GUI::LineEdit>;
 ///     auto *const editor = new FieldRealLineEdit(form);
 ///     editor->setField("size");
 ///     editor->setObjs({house, door});
+///
+/// What is a plain value is also a Qt property, for forms and style sheets; `precision` is the one
+/// in force.
 class ZRVOMGUI_EXPORT FieldRealLineEdit : public FieldLineEditT<FieldReal, ZR::GUI::LineEdit> {
     Q_OBJECT
+    Q_PROPERTY(QString field READ readField WRITE writeField)
+    Q_PROPERTY(uint precision READ readPrecision WRITE writePrecision)
+    Q_PROPERTY(bool sensitive READ isSensitive WRITE setSensitive)
+    Q_PROPERTY(bool editable READ isEditable WRITE setEditable)
+    Q_PROPERTY(bool createOnDemand READ isCreateOnDemand WRITE setCreateOnDemand)
 
 public:
     /// Over an own list.
@@ -31,6 +39,12 @@ public:
     unsigned int getPrec() const { return prec; }
 
 private:
+    // The settings, as Qt's properties have them.
+    QString readField() const { return QString::fromStdString(getField()); }
+    void writeField(QString const &name) { setField(name.toStdString()); }
+    uint readPrecision() const { return static_cast<uint>(getOutputFormat().precision()); }
+    void writePrecision(uint digits) { setPrec(digits); }
+
     // KEPT: setPrec() doesn't write it, so that it stays 0. The precision in force is the stream's,
     // for hosts that set the stream's format themselves.
     const unsigned int prec = 0;

@@ -53,6 +53,11 @@ ObjectView::ObjectView(RefT<Exporter> const &xmlExporter, RefT<Xml::Importer> co
     setAcceptDrops(true);
 }
 
+ObjectView::ObjectView(QWidget *parent)
+    : ObjectView({}, {}, parent)
+{
+}
+
 ObjectView::~ObjectView()
 {
     connection.disconnect();

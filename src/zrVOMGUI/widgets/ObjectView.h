@@ -35,9 +35,21 @@ namespace ZR::VOM::GUI {
 /// changes the model.
 ///
 /// A slot that isn't set is empty; one that is set may be empty, too: of the null reference, or
-/// since its object was moved away or died. GUI thread only.
+/// since its object was moved away or died.
+///
+/// What is a plain value is also a Qt property, for forms and style sheets. GUI thread only.
 class ZRVOMGUI_EXPORT ObjectView : public QFrame {
     Q_OBJECT
+    Q_PROPERTY(QString fieldName READ readFieldName WRITE writeFieldName)
+    Q_PROPERTY(bool typeName READ isTypeName WRITE setTypeName)
+    Q_PROPERTY(bool dragEnabled READ isDragEnabled WRITE writeDragEnabled)
+    Q_PROPERTY(bool dragIntern READ isDragIntern WRITE writeDragIntern)
+    Q_PROPERTY(Qt::DropActions dragActions READ getDragActions WRITE setDragActions)
+    Q_PROPERTY(
+        Qt::DropAction defaultDragAction READ getDefaultDragAction WRITE setDefaultDragAction)
+    Q_PROPERTY(Qt::DropActions dropActions READ getDropActions WRITE setDropActions)
+    Q_PROPERTY(
+        Qt::DropAction defaultDropAction READ getDefaultDropAction WRITE setDefaultDropAction)
 
 public:
     using Object = VOM::Object;
@@ -46,6 +58,8 @@ public:
     /// may be empty.
     ObjectView(RefT<Exporter> const &exporter, RefT<Xml::Importer> const &importer,
                QWidget *parent = nullptr);
+    /// As forms make it, with neither of them.
+    explicit ObjectView(QWidget *parent = nullptr);
     ~ObjectView() override;
 
     /// \name The value
@@ -145,18 +159,24 @@ private:
         bool copied = false;
     };
 
-    void updateIcon();
-    void updateLabel();
-    void updateBackground();
-    void updateAlignment();
-    void onPtrObjFieldNameSigSet(FieldString::SigSetData const &sigData);
-    void startDrag();
-    void runInternDrag(std::unique_ptr<QMimeData> payload, QPixmap const &pixmap);
-    void moveAway();
-    QPixmap makeDragPixmap() const;
-    Dropped readDropped(QMimeData const &data) const;
-    void acceptDrag(QDropEvent &event);
-    Qt::DropAction actionFor(QDropEvent const &event, Qt::DropActions possible) const;
+    ZR_LOCAL void updateIcon();
+    ZR_LOCAL void updateLabel();
+    ZR_LOCAL void updateBackground();
+    ZR_LOCAL void updateAlignment();
+    ZR_LOCAL void onPtrObjFieldNameSigSet(FieldString::SigSetData const &sigData);
+    ZR_LOCAL void startDrag();
+    ZR_LOCAL void runInternDrag(std::unique_ptr<QMimeData> payload, QPixmap const &pixmap);
+    ZR_LOCAL void moveAway();
+    ZR_LOCAL QPixmap makeDragPixmap() const;
+    ZR_LOCAL Dropped readDropped(QMimeData const &data) const;
+    ZR_LOCAL void acceptDrag(QDropEvent &event);
+    ZR_LOCAL Qt::DropAction actionFor(QDropEvent const &event, Qt::DropActions possible) const;
+
+    // The settings, as Qt's properties have them.
+    QString readFieldName() const { return QString::fromStdString(fieldName); }
+    void writeFieldName(QString const &name) { setFieldName(name.toStdString()); }
+    void writeDragEnabled(bool enabled) { setDragEnabled(enabled, dragIntern); }
+    void writeDragIntern(bool intern) { setDragEnabled(dragEnabled, intern); }
 
     RefT<Exporter> exporter;
     RefT<Xml::Importer> importer;

@@ -21,9 +21,13 @@ namespace ZR::VOM::GUI {
 ///
 /// The user can select rows; the one under the mouse is marked. The list shows and does no more.
 /// Labels and icons are taken when it is first painted after set(): a change of the model shows
-/// with the next set(). Nothing here owns an object. GUI thread only.
+/// with the next set(). What is a plain value is also a Qt property, for forms and style sheets.
+/// Nothing here owns an object. GUI thread only.
 class ZRVOMGUI_EXPORT PathListView : public QAbstractScrollArea {
     Q_OBJECT
+    Q_PROPERTY(QString fieldName READ readFieldName WRITE writeFieldName)
+    Q_PROPERTY(bool typeName READ isTypeName WRITE setTypeName)
+    Q_PROPERTY(bool hideFields READ isHideFields WRITE hideFields)
 
 public:
     explicit PathListView(QWidget *parent = nullptr);
@@ -78,30 +82,35 @@ private:
     struct Pen;  // Where the next thing is drawn.
     struct Memo; // What many cells have in common, while rows are made.
 
-    void collectDataFromPath();
-    std::vector<Cell> makeCells(Path const &path, Memo &memo) const;
-    Cell makeCell(RefT<Object> const &object, std::string const &fieldText, Memo &memo) const;
-    QPixmap makePixmap(RefT<Object> const &object, Memo &memo) const;
-    QString displayText(Cell const &cell) const;
-    void createTextGeometry(Cell &cell, Memo &memo) const;
+    ZR_LOCAL void collectDataFromPath();
+    ZR_LOCAL std::vector<Cell> makeCells(Path const &path, Memo &memo) const;
+    ZR_LOCAL Cell makeCell(RefT<Object> const &object, std::string const &fieldText,
+                           Memo &memo) const;
+    ZR_LOCAL QPixmap makePixmap(RefT<Object> const &object, Memo &memo) const;
+    ZR_LOCAL QString displayText(Cell const &cell) const;
+    ZR_LOCAL void createTextGeometry(Cell &cell, Memo &memo) const;
 
-    void updateListView(QPainter &painter);
-    void drawRow(QPainter &painter, Row &row, int y);
-    void drawIcon(Pen &pen, Cell const &cell) const;
-    void drawText(Pen &pen, Cell const &cell) const;
-    void drawSelectionRect(QPainter &painter, Row const &row) const;
-    QColor markColor() const;
-    QColor textColor(Row const &row) const;
-    void updateScrollbars();
+    ZR_LOCAL void updateListView(QPainter &painter);
+    ZR_LOCAL void drawRow(QPainter &painter, Row &row, int y);
+    ZR_LOCAL void drawIcon(Pen &pen, Cell const &cell) const;
+    ZR_LOCAL void drawText(Pen &pen, Cell const &cell) const;
+    ZR_LOCAL void drawSelectionRect(QPainter &painter, Row const &row) const;
+    ZR_LOCAL QColor markColor() const;
+    ZR_LOCAL QColor textColor(Row const &row) const;
+    ZR_LOCAL void updateScrollbars();
 
-    std::size_t posToRow(int x, int y) const;
-    void clearSelected();
-    void clearHighlighted();
-    void selectRange(std::size_t first, std::size_t last);
-    void extendSelection(std::size_t row);
-    std::size_t findHeadOfSelection() const;
-    std::size_t findTailOfSelection() const;
-    void onRefObjIconDBDelete(SigVoidData const &sigData);
+    ZR_LOCAL std::size_t posToRow(int x, int y) const;
+    ZR_LOCAL void clearSelected();
+    ZR_LOCAL void clearHighlighted();
+    ZR_LOCAL void selectRange(std::size_t first, std::size_t last);
+    ZR_LOCAL void extendSelection(std::size_t row);
+    ZR_LOCAL std::size_t findHeadOfSelection() const;
+    ZR_LOCAL std::size_t findTailOfSelection() const;
+    ZR_LOCAL void onRefObjIconDBDelete(SigVoidData const &sigData);
+
+    // The name, as Qt's properties have it.
+    QString readFieldName() const { return QString::fromStdString(fieldName); }
+    void writeFieldName(QString const &name) { setFieldName(name.toStdString()); }
 
     std::vector<Path> paths;
     std::vector<Row> rows; // Of the paths at the last rebuild.

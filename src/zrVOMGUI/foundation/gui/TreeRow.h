@@ -1,6 +1,7 @@
 #pragma once
 
 #include "zrVOMGUI/foundation/gui/export.h"
+#include "zrVOMGUI/foundation/util/export.h"
 
 #include <QIcon>
 #include <QString>
@@ -103,17 +104,17 @@ private:
 
     enum class Listed : std::uint8_t { Nowhere, Loose, Due, Parked };
 
-    bool isAnyUpdating() const;
-    void bury(std::shared_ptr<void> rows);
-    void mark(bool structure);
-    void attach(TreeEngine &viewEngine);
-    void adopted(TreeRow &newParent, std::size_t pos);
-    bool isRoot() const;
+    ZR_LOCAL bool isAnyUpdating() const;
+    ZR_LOCAL void bury(std::shared_ptr<void> rows);
+    ZR_LOCAL void mark(bool structure);
+    ZR_LOCAL void attach(TreeEngine &viewEngine);
+    ZR_LOCAL void adopted(TreeRow &newParent, std::size_t pos);
+    ZR_LOCAL bool isRoot() const;
     bool isExpanding() const { return open || hidden || isRoot(); }
-    std::size_t getLinesBelow() const;
-    std::size_t getLines() const;
-    void addLines(std::ptrdiff_t change);
-    void addOwnLines(std::ptrdiff_t change);
+    ZR_LOCAL std::size_t getLinesBelow() const;
+    ZR_LOCAL std::size_t getLines() const;
+    ZR_LOCAL void addLines(std::ptrdiff_t change);
+    ZR_LOCAL void addOwnLines(std::ptrdiff_t change);
 
     TreeEngine *engine;                 // Counted: it lives as long as any of its rows.
     TreeRow *rowParent;                 // Null when it died before this row.

@@ -83,7 +83,7 @@ private:
     friend class TreeHooksT;
     using RowType = TreeViewRow;
     using RowHandle = std::shared_ptr<TreeViewRow>;
-    static RowHandle handleOf(TreeRow *row);
+    ZR_LOCAL static RowHandle handleOf(TreeRow *row);
 
     std::shared_ptr<TreeViewRow> root;
 };

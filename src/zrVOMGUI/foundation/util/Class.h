@@ -87,9 +87,9 @@ private:
     static bool isOwnedByRefs(std::uint32_t value) { return (value & (onHeap | dying)) == onHeap; }
 
     /// Counts a reference, or answers false when references don't own this object.
-    bool retain();
-    void release();
-    void destroy();
+    ZR_LOCAL bool retain();
+    ZR_LOCAL void release();
+    ZR_LOCAL void destroy();
 
     std::atomic<std::uint32_t> state;
 };

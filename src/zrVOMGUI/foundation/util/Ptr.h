@@ -40,7 +40,7 @@ protected:
 private:
     friend class Class;
 
-    void unlinkFrom(Class &oldTarget);
+    ZR_LOCAL void unlinkFrom(Class &oldTarget);
 
     Ptr(Ptr const &) = delete;
     Ptr &operator=(Ptr const &) = delete;

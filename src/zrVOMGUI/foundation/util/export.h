@@ -10,3 +10,11 @@
 #else
 #define ZRUTIL_EXPORT __attribute__((visibility("default")))
 #endif
+
+/// Marks a private function, or an inner class, of a class that its library shows: it stays hidden,
+/// since only the library uses it. What inline code and templates of a header use can't be hidden.
+#if defined(_WIN32)
+#define ZR_LOCAL
+#else
+#define ZR_LOCAL __attribute__((visibility("hidden")))
+#endif

@@ -22,7 +22,7 @@ public:
     bool matches(Field &field) const;
 
 private:
-    bool holds(std::string const &className, std::string const &fieldName) const;
+    ZR_LOCAL bool holds(std::string const &className, std::string const &fieldName) const;
 
     std::map<std::string, std::set<std::string>> fieldNames; // By class name; none is empty.
 };

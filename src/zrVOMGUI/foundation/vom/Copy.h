@@ -32,8 +32,8 @@ private:
     };
     class Run;
 
-    Entry const *find(Object const *original) const;
-    void redirectLinks(Object &copy) const;
+    ZR_LOCAL Entry const *find(Object const *original) const;
+    ZR_LOCAL void redirectLinks(Object &copy) const;
 
     std::unordered_map<Object const *, Entry> entries; // By original.
 };

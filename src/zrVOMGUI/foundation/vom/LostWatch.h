@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zrVOMGUI/foundation/util/export.h"
 #include "zrVOMGUI/foundation/vom/export.h"
 
 #include <memory>
@@ -26,7 +27,7 @@ private:
     friend class Object;
 
     void leave() noexcept;
-    void takePlaceOf(LostWatch &other) noexcept;
+    ZR_LOCAL void takePlaceOf(LostWatch &other) noexcept;
 
     LostWatch *next = nullptr;
     LostWatch **link = nullptr; // The pointer that points here; null when no object is watched.

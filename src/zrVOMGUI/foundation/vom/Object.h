@@ -70,8 +70,8 @@ private:
 
     Object &operator=(Object const &) = delete;
 
-    void enterField(Field &field);
-    void announceLost() noexcept;
+    ZR_LOCAL void enterField(Field &field);
+    ZR_LOCAL void announceLost() noexcept;
 
     std::vector<RefT<Field>> fields;
     LostWatch *lostWatches = nullptr; // Head of a list of the links that must hear of the death.

@@ -62,7 +62,7 @@ public:
     PtrT<VOM::Object> getObj() const;
 
 private:
-    void push(VOM::Field &field, std::size_t index, Type newType);
+    ZR_LOCAL void push(VOM::Field &field, std::size_t index, Type newType);
 
     PtrT<VOM::Object> root;
     std::vector<Entry> entries;

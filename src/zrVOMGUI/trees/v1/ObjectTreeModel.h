@@ -56,10 +56,10 @@ class ZRVOMGUI_EXPORT ObjectTreeModel : public QAbstractItemModel {
 
 public:
     using Object = VOM::Object;
-    class Row;
-    class Root;
-    class ObjectRow;
-    class FieldRow;
+    class ZR_LOCAL Row;
+    class ZR_LOCAL Root;
+    class ZR_LOCAL ObjectRow;
+    class ZR_LOCAL FieldRow;
 
     struct ObjRow {
         ObjectRow *row;   ///< Null for none. Not owned.
@@ -216,29 +216,29 @@ public:
     SignalT<SigVoidData> sigUpdate;
 
 private:
-    struct DropData;
-    class Change;
+    struct ZR_LOCAL DropData;
+    class ZR_LOCAL Change;
 
     template <class Operation>
     void relayout(Operation const &change);
-    void onRefObjIconDBSigDelete(SigVoidData const &sigData);
+    ZR_LOCAL void onRefObjIconDBSigDelete(SigVoidData const &sigData);
     std::size_t addItem(PtrT<Class> const &item, std::size_t index);
-    RefT<Row> getRow(QModelIndex const &index) const;
-    QModelIndex getIndex(Row &row) const;
-    void getPath(PtrT<Row> const &row, Path &path) const;
-    RefT<FieldRow> newRow(RefT<Field> const &field, PtrT<Row> const &parent);
-    void setLeaving(Field &field);
-    bool isLeaving(Field const &field) const;
-    void onRemovalsOver();
-    void forAllRows(RefT<Row> const &top, void (*operation)(RefT<Row> const &));
-    void updateAllRows();
-    void updateMarked();
-    bool makeDropData(DropData &drop, QMimeData const &mime, Qt::DropAction action, int row,
-                      QModelIndex const &parent) const;
-    bool canDrop(DropData const &drop) const;
-    bool findDropField(DropData &drop, QMimeData const &mime, Qt::DropAction action, int row,
-                       QModelIndex const &parent) const;
-    bool findFieldOfObject(DropData &drop, ObjectRow const &row) const;
+    ZR_LOCAL RefT<Row> getRow(QModelIndex const &index) const;
+    ZR_LOCAL QModelIndex getIndex(Row &row) const;
+    ZR_LOCAL void getPath(PtrT<Row> const &row, Path &path) const;
+    ZR_LOCAL RefT<FieldRow> newRow(RefT<Field> const &field, PtrT<Row> const &parent);
+    ZR_LOCAL void setLeaving(Field &field);
+    ZR_LOCAL bool isLeaving(Field const &field) const;
+    ZR_LOCAL void onRemovalsOver();
+    ZR_LOCAL void forAllRows(RefT<Row> const &top, void (*operation)(RefT<Row> const &));
+    ZR_LOCAL void updateAllRows();
+    ZR_LOCAL void updateMarked();
+    ZR_LOCAL bool makeDropData(DropData &drop, QMimeData const &mime, Qt::DropAction action,
+                               int row, QModelIndex const &parent) const;
+    ZR_LOCAL bool canDrop(DropData const &drop) const;
+    ZR_LOCAL bool findDropField(DropData &drop, QMimeData const &mime, Qt::DropAction action,
+                                int row, QModelIndex const &parent) const;
+    ZR_LOCAL bool findFieldOfObject(DropData &drop, ObjectRow const &row) const;
 
     std::set<Row *> liveRows; // Every row that may be touched.
     RefT<Exporter> exporter;

@@ -26,6 +26,11 @@ ObjectTreeView::ObjectTreeView(RefT<Exporter> const &exporter, RefT<Xml::Importe
     updateConnection = treeModel.sigUpdate.connect(*this, &ObjectTreeView::onObjTreeModelSigUpdate);
 }
 
+ObjectTreeView::ObjectTreeView(QWidget *parent)
+    : ObjectTreeView({}, {}, parent)
+{
+}
+
 ObjectTreeView::~ObjectTreeView()
 {
     updateConnection.disconnect();

@@ -32,9 +32,16 @@ namespace ZR::VOM::GUI::V1 {
 /// among them, or from its layout, as in showSel(), are followed by Qt's own use of the view: take
 /// deleteLater() there.
 ///
+/// What is a plain value is also a Qt property, for forms and style sheets.
+///
 /// Nothing here owns the objects. GUI thread only. Texts are UTF-8.
 class ZRVOMGUI_EXPORT ObjectTreeView : public ZR::GUI::V1::TreeView {
     Q_OBJECT
+    Q_PROPERTY(QString fieldName READ readFieldName WRITE writeFieldName)
+    Q_PROPERTY(QString fieldTooltip READ readFieldTooltip WRITE writeFieldTooltip)
+    Q_PROPERTY(bool typeName READ isTypeName WRITE setTypeName)
+    Q_PROPERTY(bool hideFields READ isHideFields WRITE hideFields)
+    Q_PROPERTY(Qt::DropActions dropActions READ getDropActions WRITE setDropActions)
 
 public:
     using Object = VOM::Object;
@@ -52,6 +59,8 @@ public:
     /// may be empty.
     explicit ObjectTreeView(RefT<Exporter> const &exporter = {},
                             RefT<Xml::Importer> const &importer = {}, QWidget *parent = nullptr);
+    /// As forms make it.
+    explicit ObjectTreeView(QWidget *parent);
     ~ObjectTreeView() override;
 
     /// \name What the model shows; see there
@@ -146,8 +155,8 @@ public:
     void showSel();
 
     /// An empty name is passed over.
-    /// KEPT: a set for the host's own use, which nothing here reads: hosts ask it in a rule of their
-    /// own, and select by setSel().
+    /// KEPT: a set for the host's own use, which nothing here reads: hosts ask it in a rule of
+    /// their own, and select by setSel().
     void addSelectableClass(std::string const &name);
     void removeSelectableClass(std::string const &name) { selectableClasses.erase(name); }
     void clearSelectableClasses() { selectableClasses.clear(); }
@@ -167,14 +176,20 @@ public:
     /// @}
 
 private:
-    void onObjTreeModelSigUpdate(SigVoidData const &sigData);
-    void onRowChanged(QModelIndex const &index);
-    void followModel(QPaintEvent const &event);
-    void tellSelection();
-    void updateDropAction(QDropEvent &event) const;
-    Qt::DropAction dropActionOf(Qt::KeyboardModifiers modifiers) const;
-    void showTop();
-    QModelIndex getTop() const;
+    ZR_LOCAL void onObjTreeModelSigUpdate(SigVoidData const &sigData);
+    ZR_LOCAL void onRowChanged(QModelIndex const &index);
+    ZR_LOCAL void followModel(QPaintEvent const &event);
+    ZR_LOCAL void tellSelection();
+    ZR_LOCAL void updateDropAction(QDropEvent &event) const;
+    ZR_LOCAL Qt::DropAction dropActionOf(Qt::KeyboardModifiers modifiers) const;
+    ZR_LOCAL void showTop();
+    ZR_LOCAL QModelIndex getTop() const;
+
+    // The settings, as Qt's properties have them.
+    QString readFieldName() const { return QString::fromStdString(getFieldName()); }
+    void writeFieldName(QString const &name) { setFieldName(name.toStdString()); }
+    QString readFieldTooltip() const { return QString::fromStdString(getFieldTooltip()); }
+    void writeFieldTooltip(QString const &name) { setFieldTooltip(name.toStdString()); }
 
     ObjectTreeModel treeModel;
     std::set<std::string> selectableClasses;

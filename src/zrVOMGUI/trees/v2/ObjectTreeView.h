@@ -20,8 +20,8 @@ struct ZRVOMGUI_EXPORT ObjectTreeTraits {
     using RowHandle = Row *;
     using OwnedRow = std::unique_ptr<Row>;
     using RowArgument = Row *;
-    class VoidRow;
-    class ObjectRow;
+    class ZR_LOCAL VoidRow;
+    class ZR_LOCAL ObjectRow;
     template <class AnyRow, class... Arguments>
     static OwnedRow make(Arguments &&...arguments);
 
@@ -59,8 +59,13 @@ struct ZRVOMGUI_EXPORT ObjectTreeTraits {
 /// - Adding or removing a top row closes all of them.
 /// - A row whose object or field is lost still has a path.
 /// - Drags over the tree write a trace to std::cout.
+/// What is a plain value is also a Qt property of the same name, for forms and style sheets.
 class ZRVOMGUI_EXPORT ObjectTreeView : public Trees::ObjectTreeT<ObjectTreeView, ObjectTreeTraits> {
     Q_OBJECT
+    Q_PROPERTY(QString nameField READ readNameField WRITE writeNameField)
+    Q_PROPERTY(QString tooltipField READ readTooltipField WRITE writeTooltipField)
+    Q_PROPERTY(bool typeName READ isTypeName WRITE setTypeName)
+    Q_PROPERTY(bool hideFields READ isHideFields WRITE setHideFields)
 
 public:
     explicit ObjectTreeView(QWidget *parent = nullptr);
@@ -96,7 +101,7 @@ protected:
 
 private:
     friend class Trees::ObjectTreeT<ObjectTreeView, ObjectTreeTraits>;
-    Root &getRoot();
+    ZR_LOCAL Root &getRoot();
 };
 
 } // namespace ZR::VOM::GUI::V2

@@ -2,6 +2,7 @@
 
 #include "zrVOMGUI/foundation/gui/GuardedDrag.h"
 #include "zrVOMGUI/foundation/gui/export.h"
+#include "zrVOMGUI/foundation/util/export.h"
 
 #include <QTreeView>
 
@@ -33,12 +34,12 @@ protected:
     void startDrag(Qt::DropActions supportedActions) override;
 
 private:
-    void runDrag(Qt::DropActions actions);
-    Qt::DropAction defaultActionOf(Qt::DropActions actions) const;
-    bool isDragged(QModelIndex const &index) const;
-    QModelIndexList draggedIndexes() const;
-    QModelIndexList draggedIndexesInSight() const;
-    void drawDragged(GuardedDrag::Load &load) const;
+    ZR_LOCAL void runDrag(Qt::DropActions actions);
+    ZR_LOCAL Qt::DropAction defaultActionOf(Qt::DropActions actions) const;
+    ZR_LOCAL bool isDragged(QModelIndex const &index) const;
+    ZR_LOCAL QModelIndexList draggedIndexes() const;
+    ZR_LOCAL QModelIndexList draggedIndexesInSight() const;
+    ZR_LOCAL void drawDragged(GuardedDrag::Load &load) const;
 
     GuardedDrag drag;
     QPoint pressPos; // In the viewport.

@@ -54,7 +54,7 @@ private:
     friend class GUI::TreeHooksT;
     using RowType = Row;
     using RowHandle = Row *;
-    static RowHandle handleOf(TreeRow *row);
+    ZR_LOCAL static RowHandle handleOf(TreeRow *row);
 
     std::unique_ptr<Row> root;
 };
