@@ -4,6 +4,7 @@ option(ZRVOMGUI_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(ZRVOMGUI_BENCH "Build the benchmarks" ${PROJECT_IS_TOP_LEVEL})
 option(ZRVOMGUI_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
 option(ZRVOMGUI_FUZZ "Build the fuzz targets; takes clang" OFF)
+option(ZRVOMGUI_INSTALL "Install the libraries with the project" ${PROJECT_IS_TOP_LEVEL})
 option(ZRVOMGUI_WERROR "Treat warnings in our code as errors" ${PROJECT_IS_TOP_LEVEL})
 
 # Qt 5 is what this library is made for and described with; Qt 6 gives the same widgets. Qt's targets
@@ -14,8 +15,20 @@ set(Qt Qt${ZRVOMGUI_QT_MAJOR})
 set(Qt5_OLDEST 5.15)
 set(Qt6_OLDEST 6.4)
 
+# What is installed for Qt 6 has names of its own, and stands beside what is for Qt 5.
+set(ZRVOMGUI_SUFFIX "")
+if(ZRVOMGUI_QT_MAJOR EQUAL 6)
+    set(ZRVOMGUI_SUFFIX -qt6)
+endif()
+
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
+endif()
+
+include(GNUInstallDirs)
+set(ZRVOMGUI_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR})
+if(ZRVOMGUI_SUFFIX)
+    string(APPEND ZRVOMGUI_INCLUDE_DIR /zrVOMGUI${ZRVOMGUI_SUFFIX})
 endif()
 
 set(CMAKE_CXX_STANDARD 17)

@@ -1,0 +1,63 @@
+# Three Debian packages by CPack: what programs need to run, what they need to be built, and the
+# widgets in Qt Designer. Build them with: cmake --workflow --preset package
+
+string(TOLOWER ${PROJECT_NAME}${ZRVOMGUI_SUFFIX} base_name)
+if(ZRVOMGUI_QT_MAJOR EQUAL 6)
+    set(library_package lib${base_name}-${PROJECT_VERSION_MAJOR})
+    set(qt_dev_package qt6-base-dev)
+    set(designer_package designer-qt6)
+else()
+    set(library_package lib${base_name}${PROJECT_VERSION_MAJOR})
+    set(qt_dev_package qtbase5-dev)
+    set(designer_package qttools5-dev-tools)
+endif()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_VENDOR ${PROJECT_NAME})
+set(CPACK_PACKAGE_CONTACT "The developers of ${PROJECT_NAME} <packages@zrvomgui.invalid>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL runtime dev)
+if(TARGET zrvomgui_designer)
+    list(APPEND CPACK_COMPONENTS_ALL designer)
+endif()
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+# Which packages a binary depends on is read from the binary, and says itself to those who link it.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY =)
+foreach(library IN ITEMS zrUtil zrVOM zrGUI zrVOMGUI)
+    get_target_property(folder ${library} BINARY_DIR)
+    list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${folder})
+endforeach()
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${library_package})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "The libraries, for programs that use them.
+A model is made of objects with named fields, some of which link to other objects. The widgets
+watch it and show it: as a graph in layers, as trees, as slots and as lists of paths.")
+
+set(CPACK_DEBIAN_DEV_PACKAGE_NAME lib${base_name}-dev)
+set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
+    "${library_package} (= ${PROJECT_VERSION}), ${qt_dev_package} (>= ${${Qt}_OLDEST})")
+set(CPACK_DEBIAN_DEV_DESCRIPTION "What programs are built with: headers, and what CMake and pkg-config need to find the libraries.")
+
+set(CPACK_DEBIAN_DESIGNER_PACKAGE_NAME ${base_name}-designer)
+set(CPACK_DEBIAN_DESIGNER_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_DESIGNER_PACKAGE_DEPENDS "${library_package} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_DESIGNER_PACKAGE_ENHANCES ${designer_package})
+set(CPACK_DEBIAN_DESIGNER_DESCRIPTION "The plugin for Qt Designer.
+Shows the widgets among those of Qt Designer, and makes them in forms that are loaded at run time.")
+
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+    string(TOUPPER ${component} id)
+    install(FILES ${PROJECT_SOURCE_DIR}/LICENSE RENAME copyright COMPONENT ${component}
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${id}_PACKAGE_NAME})
+endforeach()
+
+include(CPack)

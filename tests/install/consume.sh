@@ -1,0 +1,60 @@
+# Sourced: builds a program of this folder against an installed library, and runs it. The caller has
+# set `prefix`, where the library is, `work`, a folder of its own, and `qt`, the major version of Qt.
+# No program is told where the library's own libraries are, except by what is installed with them.
+
+suffix= # Of what is for another version of Qt than the default.
+if [[ $qt != 5 ]]; then
+    suffix=-qt$qt
+fi
+
+fail()
+{
+    echo "$*" >&2
+    exit 1
+}
+
+# with_cmake PROGRAM [cmake arguments]
+with_cmake()
+{
+    local program=$1
+    shift
+    local build=$work/$program-cmake
+    rm -rf "$build"
+    cmake -S "$(dirname "${BASH_SOURCE[0]}")/$program" -B "$build" -G Ninja \
+        -DCMAKE_BUILD_TYPE=Debug -DCMAKE_PREFIX_PATH="$prefix" \
+        -DPACKAGE="zrVOMGUI$suffix" "$@"
+    cmake --build "$build"
+    run_program "$build/$program"
+}
+
+# with_pkgconfig PROGRAM PACKAGE: a plain call of the compiler.
+with_pkgconfig()
+{
+    local program=$1 package=$2$suffix build=$work/$1-pkgconfig libdir flags
+    rm -rf "$build"
+    mkdir -p "$build"
+    libdir=$(dirname "$(find "$prefix" -name "$package.pc")" | sed 's,/pkgconfig$,,')
+    export PKG_CONFIG_PATH=$libdir/pkgconfig
+    read -ra flags < <(pkg-config --cflags --libs "$package")
+    [[ $(pkg-config --modversion "$package") == 1.* ]] || fail "$package.pc tells no version"
+    # Libraries stand behind what needs them; their dependencies are found beside them.
+    ${CXX:-c++} -std=c++17 "$(dirname "${BASH_SOURCE[0]}")/$program/main.cpp" "${flags[@]}" \
+        -o "$build/$program"
+    LD_LIBRARY_PATH=$libdir run_program "$build/$program"
+}
+
+run_program()
+{
+    local program=$1 linked
+    "$program"
+    linked=$(ldd "$program")
+    if grep 'not found' <<<"$linked"; then
+        fail "$program lacks libraries"
+    fi
+    grep -F "$(readlink -f "$prefix")" <<<"$linked" | grep -q libzrVOM ||
+        fail "$program runs with another library than the installed one: $linked"
+    if [[ $(basename "$program") == model ]] &&
+        grep -E 'libQt[56](Gui|Widgets)|libzrGUI|libzrVOMGUI' <<<"$linked"; then
+        fail "A model takes widgets with it"
+    fi
+}
