@@ -62,8 +62,10 @@ PathListView::PathListView(QWidget *parent)
     : QAbstractScrollArea(parent)
     , iconSize(style()->pixelMetric(QStyle::PM_ListViewIconSize))
 {
-    separator.objectText = "/";
-    const QRect bound = fontMetrics().boundingRect(QString::fromStdString(separator.objectText));
+    // KEPT: measured without the blank that it is drawn with while fields are shown, so that as
+    // much room is before it as behind.
+    separator.objectText = separatorText;
+    const QRect bound = fontMetrics().boundingRect(QString::fromStdString(separatorText));
     separator.width = bound.width();
     separator.height = bound.height();
     setMouseTracking(true);
@@ -84,6 +86,8 @@ void PathListView::set(std::vector<Path> const &newPaths)
 std::vector<std::size_t> PathListView::getSelectedRows() const
 {
     std::vector<std::size_t> selected;
+    if (dirty) // The rows are those of the list before.
+        return selected;
     for (std::size_t i = 0; i < rows.size(); ++i)
         if (rows[i].selected)
             selected.push_back(i);
@@ -119,6 +123,7 @@ void PathListView::collectDataFromPath()
         const Path path = paths[i];
         Row row;
         row.cells = makeCells(path, memo);
+        row.height = textHeight(row); // By which the first paint tells whether it is in sight.
         rows.push_back(std::move(row));
     }
 }
@@ -137,7 +142,7 @@ std::vector<PathListView::Cell> PathListView::makeCells(Path const &path, Memo &
         const bool isLast = i + 1 == path.getNum();
         fieldText = step.field->name;
         if (isLinkListType(step.field->getType()) && (!isLast || path.getType() == Path::Value))
-            fieldText += _compose("[%1]", intToStr(static_cast<int>(step.index), 10));
+            fieldText += _compose("[%1]", std::to_string(step.index));
         RefT<Object> next;
         const bool goesOn = follow(step, next);
         cells.push_back(makeCell(object, fieldText, memo));
@@ -198,6 +203,14 @@ void PathListView::createTextGeometry(Cell &cell, Memo &memo) const
         size = memo.sizes.insert(text, memo.metrics.boundingRect(text).size());
     cell.width = size->width();
     cell.height = size->height();
+}
+
+int PathListView::textHeight(Row const &row) const
+{
+    int height = row.cells.size() > 1 ? separator.height : 0;
+    for (Cell const &cell : row.cells)
+        height = std::max(height, cell.height);
+    return height;
 }
 
 // Painting.
@@ -336,6 +349,8 @@ void PathListView::mouseMoveEvent(QMouseEvent *event)
     viewport()->update();
 }
 
+/// KEPT: nothing is painted before the button goes up, so that a click takes one paint. Control
+/// adds a row and doesn't take it out again, so that no double click undoes itself.
 void PathListView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
@@ -379,6 +394,8 @@ void PathListView::mouseReleaseEvent(QMouseEvent *event)
         viewport()->update();
 }
 
+/// KEPT: asks for no paint. Marks stay to be seen until something else is painted, for users who
+/// only look at another window.
 void PathListView::focusOutEvent(QFocusEvent *)
 {
     clearSelected();

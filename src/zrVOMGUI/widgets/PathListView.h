@@ -34,9 +34,9 @@ public:
     ~PathListView() override;
 
     std::vector<Path> const &get() const { return paths; }
-    /// Replaces the list, and forgets which rows are selected.
+    /// Replaces the list, of which no row is selected.
     void set(std::vector<Path> const &newPaths);
-    /// Positions of the selected rows, in order. Empty until the list is painted.
+    /// Positions of the selected rows, in order. Empty until a new list is painted.
     std::vector<std::size_t> getSelectedRows() const;
 
     /// \name What cells show
@@ -52,8 +52,9 @@ public:
     /// Whether labels show the class name; true by default.
     bool isTypeName() const { return typeName; }
     void setTypeName(bool on) { typeName = on; }
-    /// Whether cells leave out the fields; false by default. Cells keep the width that they were
-    /// measured with.
+    /// Whether cells leave out the fields; false by default.
+    /// KEPT: cells keep the width that they were measured with until the next set(). Rows don't
+    /// jump while a user looks at them with and without fields.
     bool isHideFields() const { return fieldsHidden; }
     void hideFields(bool on) { fieldsHidden = on; }
     /// @}
@@ -89,6 +90,7 @@ private:
     ZR_LOCAL QPixmap makePixmap(RefT<Object> const &object, Memo &memo) const;
     ZR_LOCAL QString displayText(Cell const &cell) const;
     ZR_LOCAL void createTextGeometry(Cell &cell, Memo &memo) const;
+    ZR_LOCAL int textHeight(Row const &row) const;
 
     ZR_LOCAL void updateListView(QPainter &painter);
     ZR_LOCAL void drawRow(QPainter &painter, Row &row, int y);
@@ -114,6 +116,7 @@ private:
 
     std::vector<Path> paths;
     std::vector<Row> rows; // Of the paths at the last rebuild.
+    const std::string separatorText = "/";
     Cell separator;
     const int cellSpacing = 5;
     RefT<ObjectIconDB> objIconDB;
