@@ -20,6 +20,14 @@
 //   row is a hundred places from where it was found last.
 // - v1 positions: a thousand times the index of a row anywhere, from its address.
 // - v1 new list: each value is replaced; one insertion and one removal.
+//
+// The last ones grow with the square of the size, since each run of rows is a change of its own.
+// They are measured up to 100,000:
+//
+// - v1 reverse: the list is turned round, and each value moves by itself.
+// - v1 every second: every second value is replaced.
+// - v1 tops, v1 tops in front: so many top rows, and as many before them.
+// - v1 tops die: of twice as many top rows the half in front dies, one after the other.
 
 #include "support/Table.h"
 
@@ -30,6 +38,7 @@
 #include <QScrollBar>
 #include <QTreeView>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -194,6 +203,40 @@ void measureV1(unsigned num, Table &table)
               }));
 }
 
+/// Up to here what costs the square of the size is bearable.
+constexpr unsigned largestSquare = 100000;
+
+void measureV1Runs(unsigned num, Table &table)
+{
+    const RefT<Object> owner(new Object);
+    MFieldRef &list = addField<MFieldRef>(*owner, "list", makeObjects(num));
+    GUI::V1::ObjectTreeModel model;
+    model.fetchMore(showList(model, owner));
+    table.add("v1 reverse", num, timesOf(1, [&] {
+                  list.replace(0, num, Objects(list.getAll().rbegin(), list.getAll().rend()));
+                  model.update();
+              }));
+    Objects values = list.getAll();
+    for (std::size_t i = 0; i < num; i += 2)
+        values[i] = RefT<Object>(new Object);
+    table.add("v1 every second", num, timesOf(1, [&] {
+                  list.replace(0, num, values);
+                  model.update();
+              }));
+}
+
+void measureV1Tops(unsigned num, Table &table)
+{
+    GUI::V1::ObjectTreeModel model;
+    const Objects stay = makeObjects(num);
+    Objects die = makeObjects(num);
+    table.add("v1 tops", num, timesOf(1, [&] { model.addRows({stay.begin(), stay.end()}, 0); }));
+    table.add("v1 tops in front", num, timesOf(1, [&] {
+                  model.addRows({die.begin(), die.end()}, 0);
+              }));
+    table.add("v1 tops die", num, timesOf(1, [&] { die.clear(); }));
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -211,5 +254,9 @@ int main(int argc, char **argv)
         measure(num, table);
     for (unsigned num = 10000; num <= largest; num *= 10)
         measureV1(num, table);
+    for (unsigned num = 10000; num <= std::min(largest, largestSquare); num *= 10) {
+        measureV1Runs(num, table);
+        measureV1Tops(num, table);
+    }
     return 0;
 }

@@ -28,6 +28,7 @@ private slots:
     void parentsLeadToTheTop();
     void invalidIndexHasOneRow();
     void unfetchedRowsHaveChildrenAndNoRows();
+    void unfetchedMillionIsANumber();
     void fetchMakesOneLevel();
     void emptyRowsHaveNothingToFetch();
     void fetchedRowsKeepNothingToFetch();
@@ -119,6 +120,26 @@ void tst_ObjectTreeModelItems::invalidIndexHasOneRow()
     Told told(model);
     model.fetchMore(QModelIndex());
     QCOMPARE(told.take(), std::string());
+}
+
+void tst_ObjectTreeModelItems::unfetchedMillionIsANumber()
+{
+    Scene scene;
+    scene.all().replace(0, 2, MFieldPtr::Values(1000000, PtrT<Object>(scene.b())));
+    Told told(*scene.model);
+    scene.showFetched(2);
+    QCOMPARE(told.take(),
+             std::string("insert top 0, added a, changed 'a', insert 'a' 0, changed part, "
+                         "insert 'a' 1, changed next, insert 'a' 2, changed all, insert "
+                         "'a' 3, changed own"));
+    const QModelIndex all = scene.at({0, 2});
+    QCOMPARE(scene.model->rowCount(all), 0);
+    QVERIFY(scene.model->hasChildren(all));
+    // Nor does it make one that it is one value more.
+    scene.all().replace(0, 0, {PtrT<Object>(scene.c())});
+    scene.model->update();
+    QCOMPARE(told.take(), std::string("update, changed all"));
+    QVERIFY(scene.model->hasChildren(all) && scene.model->canFetchMore(all));
 }
 
 void tst_ObjectTreeModelItems::unfetchedRowsHaveChildrenAndNoRows()

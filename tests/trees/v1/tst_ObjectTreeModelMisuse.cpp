@@ -103,6 +103,8 @@ private slots:
     void listenersThatRaiseAreReported();
     void everythingDiesBetweenMarkAndUpdate();
     void updateBeforeAFieldHasGone();
+    void rowsMayLeaveWhileAllFollow_data();
+    void rowsMayLeaveWhileAllFollow();
     void objectsOutliveTheModel();
     void deepTreesComeAndGo();
     void fieldsThatLieAreLeftOut();
@@ -322,6 +324,42 @@ void tst_ObjectTreeModelMisuse::updateBeforeAFieldHasGone()
         scene.model->update();
         QCOMPARE(scene.dump(), hideFields ? rest : rest + ".own\n");
     }
+}
+
+void tst_ObjectTreeModelMisuse::rowsMayLeaveWhileAllFollow_data()
+{
+    QTest::addColumn<Deed>("setting");
+    QTest::addColumn<std::string>("rows");
+    QTest::newRow("hide fields") << Deed([](Scene &s) { s.model->hideFields(true); })
+                                 << std::string("'p'+\n.'p'+\n.'q'+\n'q'+\n.'p'+\n.'q'+\n");
+    QTest::newRow("accept one more")
+        << Deed([](Scene &s) { s.model->addAcceptedField("", "more"); })
+        << std::string("'p'+\n.more+\n'q'+\n.more+\n");
+}
+
+/// An earlier sibling of rows that are still to follow.
+void tst_ObjectTreeModelMisuse::rowsMayLeaveWhileAllFollow()
+{
+    QFETCH(Deed, setting);
+    QFETCH(std::string, rows);
+    Scene scene;
+    RefT<Object> first = makeThing("z");
+    const Things both = makeThings("pq");
+    for (RefT<Object> const &each : both) {
+        addField<MFieldPtr>(*each, "list", MFieldPtr::Values{both[0], both[1]});
+        if (QByteArray(QTest::currentDataTag()) == "accept one more")
+            addField<MFieldPtr>(*each, "more", MFieldPtr::Values{both[0], both[1]});
+    }
+    scene.model->addRows({PtrT<Object>(first), PtrT<Object>(both[0]), PtrT<Object>(both[1])}, 0);
+    GUI::fetchRows(*scene.model, scene.top(), 2);
+    const auto kill = [&] { first.reset(); };
+    QObject context;
+    QObject::connect(scene.model.get(), &QAbstractItemModel::rowsInserted, &context, kill);
+    QObject::connect(scene.model.get(), &QAbstractItemModel::rowsRemoved, &context, kill);
+    setting(scene);
+    scene.model->update();
+    QVERIFY(!first);
+    QCOMPARE(scene.dump(2), rows);
 }
 
 void tst_ObjectTreeModelMisuse::objectsOutliveTheModel()

@@ -25,6 +25,7 @@ private slots:
     void topHasNoPath();
     void pathsOfDeadFieldsEndBefore();
     void longPathsAreWalked();
+    void deepestRowHasAPath();
 };
 
 void tst_ObjectTreeModelPaths::pathsLeadToRowsAndBack_data()
@@ -245,6 +246,31 @@ void tst_ObjectTreeModelPaths::longPathsAreWalked()
     QCOMPARE(found.getNum(), std::size_t(2000));
     scene.a().reset();
     QCOMPARE(scene.dump(), std::string());
+}
+
+void tst_ObjectTreeModelPaths::deepestRowHasAPath()
+{
+    constexpr std::size_t depth = 100000;
+    Things chain{makeThing("0")};
+    while (chain.size() < depth) {
+        chain.push_back(makeThing("n"));
+        addField<FieldPtr>(*chain[chain.size() - 2], "next", PtrT<Object>(chain.back()));
+    }
+    for (bool hideFields : {false, true}) {
+        ObjectTreeModel model;
+        model.hideFields(hideFields);
+        model.addRow(PtrT<Object>(chain[0]), 0);
+        Path path{PtrT<Object>(chain[0])};
+        for (std::size_t i = 0; i + 1 < depth; ++i)
+            path.pushValue(*chain[i]->findField("next"));
+        const QModelIndex deepest = model.makeIndex(path, true);
+        QCOMPARE(model.getObjRow(deepest).obj, PtrT<Object>(chain.back()));
+        QCOMPARE(model.makeIndex(path, false), deepest);
+        Path back{PtrT<Object>()};
+        QVERIFY(model.getPath(deepest, back));
+        QCOMPARE(back.getNum(), depth - 1);
+        QCOMPARE(back.getObj().get(), chain.back().get());
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_ObjectTreeModelPaths)

@@ -18,6 +18,10 @@ private slots:
     void emptyLinkIsARow();
     void sameObjectTwiceHasTwoRows();
     void itemsThatDieLeave();
+    void deathOfOneOfManyIsOneMove_data();
+    void deathOfOneOfManyIsOneMove();
+    void manyThatDieLeaveInAnyOrder();
+    void itemsMayDieInTheNewsOfOthers();
     void fieldsThatDieLeave();
     void itemOfTwoRowsLeavesBoth();
     void fieldThatLeavesItsObjectStays();
@@ -124,6 +128,79 @@ void tst_ObjectTreeModelTops::itemsThatDieLeave()
     scene.c().reset();
     QCOMPARE(told.take(), std::string("move top 1 to 0, removed c, remove top 1"));
     QCOMPARE(scene.dump(), std::string("'a'+\n"));
+}
+
+void tst_ObjectTreeModelTops::deathOfOneOfManyIsOneMove_data()
+{
+    QTest::addColumn<bool>("hideFields");
+    QTest::addColumn<int>("victim");
+    QTest::addColumn<std::string>("news");
+    for (bool hideFields : {false, true}) {
+        char const *const mode = hideFields ? "values only" : "field rows";
+        QTest::addRow("%s, first", mode)
+            << hideFields << 0 << std::string("move top 1-99 to 0, removed x, remove top 99");
+        QTest::addRow("%s, middle", mode)
+            << hideFields << 40 << std::string("move top 41-99 to 40, removed x, remove top 99");
+        QTest::addRow("%s, last", mode)
+            << hideFields << 99 << std::string("removed x, remove top 99");
+    }
+}
+
+void tst_ObjectTreeModelTops::deathOfOneOfManyIsOneMove()
+{
+    QFETCH(bool, hideFields);
+    QFETCH(int, victim);
+    QFETCH(std::string, news);
+    Scene scene;
+    scene.model->hideFields(hideFields);
+    Things tops;
+    for (int i = 0; i < 100; ++i)
+        tops.push_back(makeThing("x"));
+    scene.model->addRows({tops.begin(), tops.end()}, 0);
+    Told told(*scene.model);
+    tops[std::size_t(victim)].reset();
+    QCOMPARE(told.take(), news);
+    for (int row = 0; row < 99; ++row) {
+        const auto shown = scene.model->getObjRow(scene.at({row}));
+        QCOMPARE(shown.obj, PtrT<Object>(tops[std::size_t(row < victim ? row : row + 1)]));
+        QCOMPARE(scene.model->getIndex(shown.row), scene.at({row}));
+    }
+}
+
+/// Beside a list, whose values stand among them in hide mode.
+void tst_ObjectTreeModelTops::manyThatDieLeaveInAnyOrder()
+{
+    for (bool hideFields : {false, true}) {
+        Scene scene;
+        scene.model->hideFields(hideFields);
+        Things tops;
+        for (char name = 'A'; name <= 'Z'; ++name)
+            tops.push_back(makeThing(std::string(1, name)));
+        scene.model->addRows({tops.begin(), tops.end()}, 0);
+        scene.model->addRow(scene.own(), 10);
+        for (int i = 0; i < 24; ++i)
+            tops[std::size_t(i * 7 % 26)].reset();
+        QCOMPARE(scene.dump(),
+                 std::string(hideFields ? "'d'\n'e'\n'M'\n'T'\n" : "own+\n'M'\n'T'\n"));
+    }
+}
+
+void tst_ObjectTreeModelTops::itemsMayDieInTheNewsOfOthers()
+{
+    for (bool isMove : {false, true}) {
+        Scene scene;
+        Things tops = makeThings("klmnop");
+        scene.model->addRows({tops.begin(), tops.end()}, 0);
+        QObject context;
+        const auto kill = [&] { tops[4].reset(); };
+        if (isMove)
+            QObject::connect(scene.model.get(), &QAbstractItemModel::rowsMoved, &context, kill);
+        else
+            QObject::connect(scene.model.get(), &QAbstractItemModel::rowsRemoved, &context, kill);
+        tops[1].reset();
+        scene.model->update();
+        QCOMPARE(scene.dump(), std::string("'k'\n'm'\n'n'\n'p'\n"));
+    }
 }
 
 void tst_ObjectTreeModelTops::fieldsThatDieLeave()

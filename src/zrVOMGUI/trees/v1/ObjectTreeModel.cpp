@@ -23,7 +23,7 @@ ObjectTreeModel::~ObjectTreeModel()
     conObjIconDB.disconnect();
     // Functions of rows that are under way hold their rows.
     liveRows.clear();
-    Row::dismantle({RefT<Row>(root)});
+    Row::dismantle({root.get()});
 }
 
 template <class Operation>
@@ -150,24 +150,14 @@ void ObjectTreeModel::updateAllRows()
 /// Parents first. The operation may change rows.
 void ObjectTreeModel::forAllRows(RefT<Row> const &top, void (*operation)(RefT<Row> const &))
 {
-    struct Visit {
-        RefT<Row> row;
-        std::size_t next;
-    };
-    // An explicit stack: trees are as deep as the user has opened them.
-    std::vector<Visit> visits;
-    operation(top);
-    visits.push_back({top, 0});
-    while (!visits.empty()) {
-        Visit &visit = visits.back();
-        if (visit.next >= visit.row->children.size()) {
-            visits.pop_back();
-            continue;
-        }
-        const RefT<Row> child = visit.row->children[visit.next++];
-        operation(child);
-        if (!child->children.empty())
-            visits.push_back({child, 0});
+    // An explicit stack: trees are as deep as the user has opened them. It holds all children that
+    // a row has at this time, since a slot may take out some of them.
+    std::vector<RefT<Row>> rows{top};
+    while (!rows.empty()) {
+        const RefT<Row> row = std::move(rows.back());
+        rows.pop_back();
+        operation(row);
+        rows.insert(rows.end(), row->children.rbegin(), row->children.rend());
     }
 }
 
@@ -234,7 +224,7 @@ void ObjectTreeModel::updateMarked()
     visit(RefT<Row>(root));
     while (!visits.empty()) {
         Visit &top = visits.back();
-        std::vector<RefT<Row>> const &siblings = top.row->children;
+        std::vector<Row *> const &siblings = top.row->children;
         while (top.next < siblings.size() && siblings[top.next]->pending == 0)
             ++top.next;
         if (top.next < siblings.size()) {
@@ -256,8 +246,9 @@ void ObjectTreeModel::requestUpdate()
 
 QModelIndex ObjectTreeModel::makeIndex(Path const &path, bool create)
 {
-    const RefT<Row> held(root);
-    const PtrT<Row> row = root->find(path, 0, create);
+    RefT<Row> row(root);
+    for (Row::Way way{PtrT<Row>(row), 0}; row && !way.isFound; row = way.row)
+        way = row->find(path, way.pos, create);
     return row && !row->isGone() ? getIndex(*row) : QModelIndex();
 }
 
@@ -273,7 +264,11 @@ bool ObjectTreeModel::getPath(QModelIndex const &index, Path &path) const
 
 void ObjectTreeModel::getPath(PtrT<Row> const &row, Path &path) const
 {
-    row->getPath(path, {});
+    std::vector<RefT<Row>> way;
+    for (Row *at = row.get(); at; at = at->parent.get())
+        way.emplace_back(*at);
+    for (std::size_t i = way.size(); i-- != 0;)
+        way[i]->getPath(path, i == 0 ? RefT<Row>() : way[i - 1]);
 }
 
 ObjectTreeModel::ObjRow ObjectTreeModel::getObjRow(QModelIndex const &index) const

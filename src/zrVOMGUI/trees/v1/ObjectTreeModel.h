@@ -37,8 +37,10 @@ ZRVOMGUI_EXPORT extern char const *const _ObjectTreeModelRowLabelObj0;
 /// What differs from other item models:
 /// - The top is a row, too. The invalid index has exactly this one child, which index() answers for
 ///   every row number, also for one that is negative or not below rowCount(). It makes a good root
-///   index for a view.
-/// - rowCount() tells the rows made so far, and hasChildren() whether there will be any.
+///   index for a view. A column other than 0 has no index, there as anywhere.
+/// - rowCount() tells the rows made so far, and hasChildren() whether there will be any. A branch
+///   whose children have all gone counts as one that wasn't fetched: what it gets next is a number.
+/// - fetchMore() of the invalid index updates the top, though canFetchMore() is false for it.
 /// - The index of a row that is gone may be used like an invalid one everywhere: rows are looked up
 ///   by address before they are touched. The address may serve another row later.
 /// - mimeTypes() is empty. A view that asks for it must be told otherwise which drags to take.
@@ -51,6 +53,11 @@ ZRVOMGUI_EXPORT extern char const *const _ObjectTreeModelRowLabelObj0;
 /// Nothing here owns the objects. GUI thread only. Texts are UTF-8. The position of a row among its
 /// siblings is found near where it was found last: at once, unless many siblings have come, gone or
 /// moved before it since.
+///
+/// An update looks up each value behind the first that changed, once. Each run of rows that comes
+/// or moves, and each top row that comes or goes, shifts the addresses of the siblings behind it
+/// and Qt's persistent indexes among them, so that what falls into very many runs still grows with
+/// the square, at a rate of some 10,000 siblings in a microsecond or two for each run.
 class ZRVOMGUI_EXPORT ObjectTreeModel : public QAbstractItemModel {
     Q_OBJECT
 
@@ -146,7 +153,8 @@ public:
     std::size_t addRow(FieldRef &field, std::size_t index) { return addItem(field, index); }
     std::size_t addRow(MFieldPtr &field, std::size_t index) { return addItem(field, index); }
     std::size_t addRow(MFieldRef &field, std::size_t index) { return addItem(field, index); }
-    /// In order from `index` on. Much faster for many than addRow() for each.
+    /// In order from `index` on, each row told by itself. Faster for many than addRow() for each,
+    /// which compares all rows there are with all items each time.
     void addRows(std::vector<PtrT<Object>> const &objs, std::size_t index);
     /// Removes all, by a reset of the model; no sigRowsRemoved. sigClear follows.
     void clear();

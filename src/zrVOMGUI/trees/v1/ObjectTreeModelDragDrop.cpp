@@ -46,9 +46,9 @@ Qt::DropActions ObjectTreeModel::supportedDragActions() const
     return Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
 }
 
-/// KEPT: copies are made at every start of a drag, whether or not it ends in a copy, and a row whose
-/// object is gone is carried as nothing: receivers find both lists by address, and count on a place
-/// for each row.
+/// KEPT: copies are made at every start of a drag, whether or not it ends in a copy, and a row
+/// whose object is gone is carried as nothing: receivers find both lists by address, and count on a
+/// place for each row.
 QMimeData *ObjectTreeModel::mimeData(QModelIndexList const &indexes) const
 {
     std::vector<RefT<Object>> objs;
@@ -152,7 +152,7 @@ bool ObjectTreeModel::makeDropData(DropData &drop, QMimeData const &mime, Qt::Dr
     const bool takesDrops =
         target->kind == Row::fieldKind || (target->kind == Row::objectKind && hiding);
     if (takesDrops)
-        target->getPath(drop.rowPath, {});
+        getPath(PtrT<Row>(target), drop.rowPath);
     return takesDrops;
 }
 

@@ -84,7 +84,7 @@ std::size_t ObjectTreeModel::Row::positionOf(Row const *child) const
     const std::size_t guess = std::min(child->lastPosition, num - 1);
     for (std::size_t distance = 0; distance <= guess || guess + distance < num; ++distance) {
         for (const std::size_t position : {guess + distance, guess - distance}) {
-            if (position < num && children[position].get() == child) {
+            if (position < num && children[position] == child) {
                 child->lastPosition = position;
                 return position;
             }
@@ -124,7 +124,13 @@ void ObjectTreeModel::Row::insertRows(std::size_t pos, std::vector<RefT<Row>> co
                            first + static_cast<int>(rows.size()) - 1);
     if (isGone())
         return;
-    children.insert(children.begin() + first, rows.begin(), rows.end());
+    std::vector<Row *> inserted;
+    inserted.reserve(rows.size());
+    for (RefT<Row> const &row : rows) {
+        row->selfRef = row;
+        inserted.push_back(row.get());
+    }
+    children.insert(children.begin() + first, inserted.begin(), inserted.end());
     childCount = children.size();
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i]->lastPosition = pos + i;
@@ -156,8 +162,12 @@ void ObjectTreeModel::Row::moveRows(std::size_t from, std::size_t count, std::si
         return;
     const auto begin = children.begin();
     std::rotate(begin + before, begin + first, begin + last + 1);
-    for (std::size_t i = 0; i < count; ++i)
-        children[to + i]->lastPosition = to + i;
+    // The others are no further away than these are many.
+    const bool isMoveOfFew = count <= from - to;
+    const std::size_t fewBegin = isMoveOfFew ? to : to + count;
+    const std::size_t fewEnd = isMoveOfFew ? to + count : from + count;
+    for (std::size_t i = fewBegin; i < fewEnd; ++i)
+        children[i]->lastPosition = i;
     ++numChanges;
     change.end();
     model->endMoveRows();
@@ -226,8 +236,7 @@ void ObjectTreeModel::Row::removeLast(std::size_t num, std::vector<ObjRow> const
                            static_cast<int>(children.size()) - 1);
     if (isGone())
         return;
-    std::vector<RefT<Row>> removed(std::make_move_iterator(first),
-                                   std::make_move_iterator(children.end()));
+    std::vector<Row *> removed(first, children.end());
     children.erase(first, children.end());
     childCount = children.size();
     dismantle(std::move(removed));
@@ -236,16 +245,17 @@ void ObjectTreeModel::Row::removeLast(std::size_t num, std::vector<ObjRow> const
     model->endRemoveRows();
 }
 
-void ObjectTreeModel::Row::dismantle(std::vector<RefT<Row>> &&rows)
+void ObjectTreeModel::Row::dismantle(std::vector<Row *> &&rows)
 {
-    std::vector<RefT<Row>> taken = std::move(rows);
+    std::vector<Row *> taken = std::move(rows);
     while (!taken.empty()) {
-        const RefT<Row> row = std::move(taken.back());
+        const RefT<Row> row(*taken.back());
         taken.pop_back();
+        row->selfRef.reset();
         if (row->model)
             row->model->liveRows.erase(row.get());
         row->model = nullptr;
-        std::move(row->children.begin(), row->children.end(), std::back_inserter(taken));
+        taken.insert(taken.end(), row->children.begin(), row->children.end());
         row->children.clear();
     }
 }

@@ -29,35 +29,69 @@ std::size_t ObjectTreeModel::Root::addItems(std::vector<PtrT<Class>> const &newI
                                             std::size_t index)
 {
     index = std::min(index, items.size());
-    const auto offset = static_cast<std::ptrdiff_t>(index);
-    items.insert(items.begin() + offset, newItems.begin(), newItems.end());
-    std::vector<Signal::Connection> connections;
-    connections.reserve(newItems.size());
-    for (PtrT<Class> const &item : newItems)
-        connections.push_back(item ? item->sigDelete.connect(*this, &Root::onItemDelete, item)
-                                   : Signal::Connection());
-    itemConnections.insert(itemConnections.begin() + offset, connections.begin(),
-                           connections.end());
+    std::vector<std::unique_ptr<Item>> added;
+    added.reserve(newItems.size());
+    for (PtrT<Class> const &target : newItems) {
+        Item &item = *added.emplace_back(
+            new Item{target, cast<Field>(target) != nullptr, Signal::Connection()});
+        numFields += item.isField;
+        if (target)
+            item.conDelete = target->sigDelete.connect(
+                [this, &item](SigVoidData const &) { onItemDelete(item); });
+    }
+    items.insert(items.begin() + static_cast<std::ptrdiff_t>(index),
+                 std::make_move_iterator(added.begin()), std::make_move_iterator(added.end()));
     runUpdate(false);
     return index;
 }
 
-void ObjectTreeModel::Root::onItemDelete(SigVoidData const &sigData)
+/// Items often die together, so one that dies costs no look at what the others stand for.
+void ObjectTreeModel::Root::onItemDelete(Item &item)
 {
-    const auto item = std::find(items.begin(), items.end(), sigData.ptr);
-    if (item == items.end())
+    const auto place = std::find_if(items.begin(), items.end(),
+                                    [&](auto const &other) { return other.get() == &item; });
+    if (place == items.end())
         return;
-    const auto connection = itemConnections.begin() + (item - items.begin());
-    connection->disconnect();
-    itemConnections.erase(connection);
-    items.erase(item);
-    runUpdate(false);
+    const auto position = static_cast<std::size_t>(place - items.begin());
+    const bool isShown = isRowOf(position);
+    const std::unique_ptr<Item> dead = std::move(*place);
+    items.erase(place);
+    numFields -= dead->isField;
+    dead->conDelete.disconnect();
+    if (isShown)
+        takeOut(position);
+    else
+        runUpdate(false);
+}
+
+/// Whether the rows are those of the items, and the one at a position that of the item there.
+bool ObjectTreeModel::Root::isRowOf(std::size_t position) const
+{
+    if (isGone() || busy || model->changesUnderWay != 0 || (pending & self))
+        return false;
+    const bool isRowForRow = !model->hiding || numFields == 0;
+    return isRowForRow && children.size() == items.size() &&
+           standsFor(Wanted::of(*children[position]), entryOf(*items[position]));
+}
+
+/// What an update does that finds one item less: the rows behind it move to its place.
+void ObjectTreeModel::Root::takeOut(std::size_t position)
+{
+    const BusyRow busyRow(*this);
+    moveRows(position + 1, children.size() - position - 1, position);
+    if (!isGone())
+        setChildCount(children.size() - 1);
 }
 
 void ObjectTreeModel::Root::disconnectItems()
 {
-    for (Signal::Connection &connection : itemConnections)
-        connection.disconnect();
+    for (auto const &item : items)
+        item->conDelete.disconnect();
+}
+
+Wanted::Entry ObjectTreeModel::Root::entryOf(Item const &item) const
+{
+    return {item.target.get(), item.isField && item.target};
 }
 
 /// KEPT: in hide mode nobody watches the fields that are top items: their values appear as of the
@@ -65,56 +99,66 @@ void ObjectTreeModel::Root::disconnectItems()
 void ObjectTreeModel::Root::update(bool)
 {
     const BusyRow busyRow(*this);
-    Wanted wanted;
-    std::vector<PtrT<Object>> values;
-    if (model->hiding) {
-        for (PtrT<Class> const &item : items) {
-            auto *const listed = cast<Field>(item);
-            if (listed)
-                wanted.addValues(*listed);
-            else
-                wanted.entries.push_back({item.get(), false});
-            for (std::size_t i = 0, num = listed ? countLinks(*listed) : 1; i < num; ++i)
-                values.push_back(listed ? linkAt(*listed, i) : PtrT<Object>(cast<Object>(item)));
-        }
-        wanted.make = [this, &values](std::size_t i) {
-            return RefT<Row>(new ObjectRow(*model, PtrT<Row>(*this), values[i]));
-        };
-    } else {
-        wanted.inRuns = false;
-        wanted.entries.reserve(items.size());
-        for (PtrT<Class> const &item : items)
-            wanted.entries.push_back({item.get(), cast<Field>(item) != nullptr});
-        wanted.make = [this](std::size_t i) -> RefT<Row> {
-            if (i >= items.size())
-                return {};
-            if (auto *const listed = cast<Field>(items[i]))
-                return model->newRow(RefT<Field>(*listed), PtrT<Row>(*this));
-            return new ObjectRow(*model, PtrT<Row>(*this), cast<Object>(items[i]));
-        };
-    }
+    const Wanted wanted = model->hiding ? wantedValues() : wantedItems();
     if (syncChildren(*this, wanted))
         setChildCount(wanted.entries.size());
 }
 
-/// KEPT: what leads nowhere leads to the top. A path without a root is how views reach it. One that
-/// ends at an object leads to the row of its root, whatever its steps: hosts ask in this way for the
-/// object that they put there.
-PtrT<ObjectTreeModel::Row> ObjectTreeModel::Root::find(Path const &path, std::size_t, bool create)
+Wanted ObjectTreeModel::Root::wantedItems()
 {
-    for (RefT<Row> const &child : children) {
+    Wanted wanted;
+    wanted.inRuns = false;
+    wanted.entries.reserve(items.size());
+    for (auto const &item : items)
+        wanted.entries.push_back(entryOf(*item));
+    wanted.make = [this](std::size_t i) -> RefT<Row> {
+        if (i >= items.size())
+            return {};
+        PtrT<Class> const &target = items[i]->target;
+        if (auto *const listed = items[i]->isField ? cast<Field>(target) : nullptr)
+            return model->newRow(RefT<Field>(*listed), PtrT<Row>(*this));
+        return new ObjectRow(*model, PtrT<Row>(*this), cast<Object>(target));
+    };
+    return wanted;
+}
+
+Wanted ObjectTreeModel::Root::wantedValues()
+{
+    Wanted wanted;
+    std::vector<PtrT<Object>> values;
+    for (auto const &item : items) {
+        auto *const listed = item->isField ? cast<Field>(item->target) : nullptr;
+        if (listed)
+            wanted.addValues(*listed);
+        else
+            wanted.entries.push_back(entryOf(*item));
+        for (std::size_t i = 0, num = listed ? countLinks(*listed) : 1; i < num; ++i)
+            values.push_back(listed ? linkAt(*listed, i)
+                                    : PtrT<Object>(cast<Object>(item->target)));
+    }
+    wanted.make = [this, shown = std::move(values)](std::size_t i) {
+        return RefT<Row>(new ObjectRow(*model, PtrT<Row>(*this), shown[i]));
+    };
+    return wanted;
+}
+
+/// KEPT: what leads nowhere leads to the top. A path without a root is how views reach it. One that
+/// ends at an object leads to the row of its root, whatever its steps: hosts ask in this way for
+/// the object that they put there.
+ObjectTreeModel::Row::Way ObjectTreeModel::Root::find(Path const &path, std::size_t, bool)
+{
+    for (Row *const child : children) {
         if (child->kind == objectKind) {
             auto const &shown = static_cast<ObjectRow &>(*child).object;
             if (shown && shown == path.getRoot())
-                return path.getType() == Path::Object ? PtrT<Row>(child)
-                                                      : child->find(path, 0, create);
+                return {PtrT<Row>(child), 0, path.getType() == Path::Object};
         } else if (path.getType() != Path::Object) {
             const PtrT<Field> shown = static_cast<FieldRow &>(*child).getField();
             if (shown && shown == path.get(0).field)
-                return child->find(path, 0, create);
+                return {PtrT<Row>(child), 0};
         }
     }
-    return PtrT<Row>(*this);
+    return {PtrT<Row>(*this), 0, true};
 }
 
 void ObjectTreeModel::Root::getPath(Path &path, RefT<Row> const &child)
@@ -133,7 +177,7 @@ void ObjectTreeModel::Root::clear()
 {
     disconnectItems();
     items.clear();
-    itemConnections.clear();
+    numFields = 0;
     if (busy || model->changesUnderWay != 0) {
         requestUpdate(self);
         return;
@@ -365,40 +409,41 @@ void ObjectTreeModel::ObjectRow::onRemoveField(SigRemoveFieldData const &sigData
         requestUpdate(self);
 }
 
-PtrT<ObjectTreeModel::Row> ObjectTreeModel::ObjectRow::find(Path const &path, std::size_t pos,
-                                                            bool create)
+/// The position of a field's value among all of them; the number of children beyond the field's
+/// end.
+std::size_t ObjectTreeModel::ObjectRow::positionOfValue(Path::Entry const &value) const
+{
+    std::size_t begin = 0;
+    for (PtrT<Field> const &shown : acceptedFields()) {
+        const std::size_t num = countLinks(*shown);
+        if (shown == value.field)
+            return value.index < num ? begin + value.index : children.size();
+        begin += num;
+    }
+    return children.size();
+}
+
+ObjectTreeModel::Row::Way ObjectTreeModel::ObjectRow::find(Path const &path, std::size_t pos,
+                                                           bool create)
 {
     if (pos >= path.getNum())
-        return path.getType() == Path::Value ? PtrT<Row>(*this) : PtrT<Row>();
+        return {path.getType() == Path::Value ? PtrT<Row>(*this) : PtrT<Row>(), pos, true};
     Path::Entry const &entry = path.get(pos);
     if (!model->isAccepted(entry.field))
         return {};
-    const RefT<Row> held(*this);
     fetchFor(create);
     if (isGone())
         return {};
-    std::size_t position = 0;
-    for (PtrT<Field> const &shown : acceptedFields()) {
-        if (shown != entry.field) {
-            position += model->hiding ? countLinks(*shown) : 0;
-            continue;
-        }
-        if (!model->hiding)
-            break;
-        const PtrT<Row> child =
-            entry.index < countLinks(*shown) ? childAt(position + entry.index) : PtrT<Row>();
-        return child ? child->find(path, pos + 1, create) : PtrT<Row>();
-    }
-    for (RefT<Row> const &child : children)
+    if (model->hiding)
+        return {childAt(positionOfValue(entry)), pos + 1};
+    for (Row *const child : children)
         if (child->kind == fieldKind && static_cast<FieldRow &>(*child).getField() == entry.field)
-            return child->find(path, pos, create);
+            return {PtrT<Row>(child), pos};
     return {};
 }
 
 void ObjectTreeModel::ObjectRow::getPath(Path &path, RefT<Row> const &child)
 {
-    if (parent)
-        parent->getPath(path, RefT<Row>(*this));
     if (!child || child->kind != objectKind || !model->hiding)
         return;
     std::size_t position = positionOf(child.get());
@@ -427,8 +472,8 @@ std::string ObjectTreeModel::FieldRow::text() const
     return shown ? shown->name : std::string();
 }
 
-PtrT<ObjectTreeModel::Row> ObjectTreeModel::FieldRow::find(Path const &path, std::size_t pos,
-                                                           bool create)
+ObjectTreeModel::Row::Way ObjectTreeModel::FieldRow::find(Path const &path, std::size_t pos,
+                                                          bool create)
 {
     if (pos >= path.getNum())
         return {};
@@ -437,11 +482,9 @@ PtrT<ObjectTreeModel::Row> ObjectTreeModel::FieldRow::find(Path const &path, std
     if (!entry.field || entry.field != getField())
         return {};
     if (isLast && path.getType() != Path::Value)
-        return path.getType() == Path::Field ? PtrT<Row>(*this) : PtrT<Row>();
-    const RefT<Row> held(*this);
+        return {path.getType() == Path::Field ? PtrT<Row>(*this) : PtrT<Row>(), pos, true};
     fetchFor(create);
-    const PtrT<Row> child = childAt(entry.index);
-    return isLast || !child ? child : child->find(path, pos + 1, create);
+    return {childAt(entry.index), pos + 1, isLast};
 }
 
 } // namespace ZR::VOM::GUI::V1

@@ -52,18 +52,16 @@ void Wanted::addValues(Field &field)
     });
 }
 
-namespace {
-
-using Row = ObjectTreeModel::Row;
-using Entry = Wanted::Entry;
-
-/// The row of a field that died stands for nothing that could be wanted; that of an object that
-/// died stands for an empty link.
-bool standsFor(Entry const &row, Entry const &wanted)
+bool standsFor(Wanted::Entry const &row, Wanted::Entry const &wanted)
 {
     return row.target == wanted.target && row.isField == wanted.isField &&
            (row.target || !row.isField);
 }
+
+namespace {
+
+using Row = ObjectTreeModel::Row;
+using Entry = Wanted::Entry;
 
 struct EntryHash {
     std::size_t operator()(Entry const &entry) const
@@ -117,11 +115,15 @@ public:
     }
 
     /// The one behind another that isn't taken.
-    std::size_t next(std::size_t old) const
+    std::size_t next(std::size_t old)
     {
         std::size_t after = nextLeft[old];
-        while (after != none && isTaken[after])
+        while (after != none && isTaken[after]) {
+            // Half of the way is spared next time.
+            nextLeft[old] = nextLeft[after];
+            old = after;
             after = nextLeft[after];
+        }
         return after;
     }
 

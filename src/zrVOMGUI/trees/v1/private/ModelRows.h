@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -32,12 +33,19 @@ public:
     /// Makes the children what the objects say: their rows if the row is fetched or `fetch`, else
     /// only their number. Through runUpdate() alone.
     virtual void update(bool fetch) = 0;
-    /// The row that the steps of a path from `pos` on lead to; null if there is none.
-    virtual PtrT<Row> find(Path const &path, std::size_t pos, bool create) = 0;
-    /// Makes `path` that of this row, or of `child`, which may be null.
+    /// Where the steps of a path lead on from a row.
+    struct Way {
+        PtrT<Row> row;        ///< Null for nowhere.
+        std::size_t pos;      ///< The step that is asked of it.
+        bool isFound = false; ///< It is the row that the path leads to.
+    };
+    /// One row further on the way of a path whose steps from `pos` on are left.
+    virtual Way find(Path const &path, std::size_t pos, bool create) = 0;
+    /// From the path of the parent to that of this row, or on towards `child`, which may be null.
     virtual void getPath(Path &path, RefT<Row> const &child) = 0;
 
-    /// Update bits of `pending`.
+    /// Update bits of `pending`. Nobody sets `fetching`, so that rows follow without making more of
+    /// them than there were; an update would heed it.
     enum : unsigned { below = 1, self = 2, fetching = 4 };
     /// Marks the row, and by `below` those above it. The first mark since the last update is told.
     void requestUpdate(unsigned bits);
@@ -62,12 +70,12 @@ public:
     /// Moves `count` rows from `from` to before the row at `to`, which is nearer to the front.
     void moveRows(std::size_t from, std::size_t count, std::size_t to);
     /// Lets go of rows and all below them, without a signal.
-    static void dismantle(std::vector<RefT<Row>> &&rows);
+    static void dismantle(std::vector<Row *> &&rows);
 
     ObjectTreeModel *model; // Null once the row is taken out.
     PtrT<Row> parent;
-    std::size_t childCount = 0; // How many there should be.
-    std::vector<RefT<Row>> children;
+    std::size_t childCount = 0;  // How many there should be.
+    std::vector<Row *> children; // Each holds itself meanwhile: addresses are shifted fast.
     unsigned pending = 0;
 
     const Kind kind;
@@ -81,6 +89,7 @@ private:
     void removeLast(std::size_t num, std::vector<ObjRow> const &objRows);
 
     mutable std::size_t lastPosition = 0; // Where to begin to look.
+    RefT<Row> selfRef;                    // While it is a child.
 };
 
 /// Number of values of a link field; 0 for other fields.
@@ -120,6 +129,10 @@ struct Wanted {
     bool inRuns = true; // Rows come and move together, or each by itself.
 };
 
+/// The row of a field that died stands for nothing that could be wanted; that of an object that
+/// died stands for an empty link.
+bool standsFor(Wanted::Entry const &row, Wanted::Entry const &wanted);
+
 /// Makes the first children of a row the wanted ones. Rows that stand for what is wanted stay, or
 /// move to their place, the first of equal ones first; the others are left behind the wanted.
 /// False if the row went under way, or what it stands for changed: then it is marked anew.
@@ -134,7 +147,7 @@ public:
     Qt::ItemFlags flags() const override { return Qt::NoItemFlags; }
     std::string text() const override { return {}; }
     void update(bool fetch) override;
-    PtrT<Row> find(Path const &path, std::size_t pos, bool create) override;
+    Way find(Path const &path, std::size_t pos, bool create) override;
     void getPath(Path &path, RefT<Row> const &child) override;
     virtual void clear();
 
@@ -142,11 +155,22 @@ public:
     std::size_t addItems(std::vector<PtrT<Class>> const &newItems, std::size_t index);
 
 private:
-    void onItemDelete(SigVoidData const &sigData);
+    struct Item {
+        PtrT<Class> target; // Null for an empty link. Not owned.
+        bool isField;
+        Signal::Connection conDelete;
+    };
+
+    Wanted::Entry entryOf(Item const &item) const;
+    Wanted wantedItems();
+    Wanted wantedValues();
+    void onItemDelete(Item &item);
+    bool isRowOf(std::size_t position) const;
+    void takeOut(std::size_t position);
     void disconnectItems();
 
-    std::vector<PtrT<Class>> items;                  // Not owned.
-    std::vector<Signal::Connection> itemConnections; // Position by position.
+    std::vector<std::unique_ptr<Item>> items;
+    std::size_t numFields = 0; // Among the items.
 };
 
 /// One object, or an empty link.
@@ -160,7 +184,7 @@ public:
     QVariant decoration() const override;
     std::string tooltip() const override;
     void update(bool fetch) override;
-    PtrT<Row> find(Path const &path, std::size_t pos, bool create) override;
+    Way find(Path const &path, std::size_t pos, bool create) override;
     void getPath(Path &path, RefT<Row> const &child) override;
 
     using Fields = std::vector<PtrT<Field>>;
@@ -184,6 +208,7 @@ private:
     void watch(Links &links);
     void watchFields();
     void watchLabel();
+    std::size_t positionOfValue(Path::Entry const &value) const;
     void onAddField(SigAddFieldData const &sigData);
     void onRemoveField(SigRemoveFieldData const &sigData);
     bool isLabel(Field &other) const;
@@ -199,7 +224,7 @@ public:
 
     Qt::ItemFlags flags() const override;
     std::string text() const override;
-    PtrT<Row> find(Path const &path, std::size_t pos, bool create) override;
+    Way find(Path const &path, std::size_t pos, bool create) override;
     /// Null once the field is gone.
     virtual PtrT<Field> getField() = 0;
 };
@@ -239,8 +264,6 @@ public:
 
     void getPath(Path &path, RefT<Row> const &child) override
     {
-        if (parent)
-            parent->getPath(path, RefT<Row>(*this));
         if (!links)
             return;
         if (!child)
