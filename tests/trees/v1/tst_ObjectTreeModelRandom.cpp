@@ -5,7 +5,9 @@
 #include <QAbstractItemModelTester>
 #include <QtTest>
 
+#include <algorithm>
 #include <memory>
+#include <set>
 
 using namespace ZR::VOM;
 using namespace ZR::VOM::GUI;
@@ -30,39 +32,146 @@ public:
     }
 };
 
-std::unique_ptr<Model> makeModel(Things const &tops, bool hideFields)
-{
-    auto model = std::make_unique<ShallowModel>();
-    model->setTypeName(false);
-    model->setFieldName("name");
-    model->hideFields(hideFields);
-    model->addRows({tops.begin(), tops.end()}, 0);
-    return model;
-}
-
-std::string dumpFetched(Model &model)
-{
-    fetchRows(model, model.index(0, 0), maxDepth);
-    return dumpRows(model, model.index(0, 0), maxDepth);
-}
-
-/// Fetches rows, changes how they are shown, or leaves the model marked; in words.
-std::string use(Model &model, RandomModel &objects)
-{
-    switch (objects.below(6)) {
-    case 0:
-        model.hideFields(!model.isHideFields());
-        return "toggle hide mode";
-    case 1:
-        fetchRows(model, model.index(0, 0), int(objects.below(5)));
-        return "fetch";
-    case 2:
-        return "leave marked";
-    default:
-        model.update();
-        return "update";
+/// What a host has put at the top, and how it has it shown.
+struct Host {
+    explicit Host(RandomModel &shownObjects, bool hideFields)
+        : objects(shownObjects)
+        , isHiding(hideFields)
+        , model(makeModel())
+    {
+        add(objects.objs[0]);
+        add(objects.objs[1]);
     }
-}
+    ~Host()
+    {
+        for (PtrT<ZR::Class> const &top : tops)
+            if (auto *const obj = ZR::cast<Object>(top))
+                RandomModel::removeFields(RefT<Object>(*obj));
+    }
+    Host(Host const &) = delete;
+    Host &operator=(Host const &) = delete;
+
+    /// Changes what is shown or how, or leaves the model marked; in words.
+    std::string use()
+    {
+        RefT<Object> &any = objects.objs[objects.below(unsigned(objects.objs.size()))];
+        const Pair pair(objects.below(2) ? "" : "Thing",
+                        std::string(1, char('p' + objects.below(5))));
+        switch (objects.below(16)) {
+        case 0:
+        case 1:
+            isHiding = !isHiding;
+            model->hideFields(isHiding);
+            return "toggle hide mode";
+        case 2:
+        case 3:
+            fetchRows(*model, model->index(0, 0), int(objects.below(5)));
+            return "fetch";
+        case 4:
+        case 5:
+            return "leave marked";
+        case 6:
+            add(any);
+            return "add a top object";
+        case 7:
+            return addField(any);
+        case 8:
+            filter.insert(pair);
+            model->addAcceptedField(pair.first, pair.second);
+            return "accept " + pair.second;
+        case 9:
+        case 10:
+            if (filter.erase(pair) != 0)
+                model->removeAcceptedField(pair.first, pair.second);
+            return "accept " + pair.second + " no more";
+        case 11:
+            return clearTops(any);
+        case 12:
+            any = makeThing("d");
+            return "let go of one, which may be at the top";
+        default:
+            model->update();
+            return "update";
+        }
+    }
+
+    static std::string dumpFetched(Model &dumped)
+    {
+        // In hide mode nobody watches the fields at the top.
+        dumped.update();
+        dumped.fetchMore({});
+        fetchRows(dumped, dumped.index(0, 0), maxDepth);
+        return dumpRows(dumped, dumped.index(0, 0), maxDepth);
+    }
+    std::string dumpAnew()
+    {
+        const auto fresh = makeModel();
+        forgetDead();
+        for (PtrT<ZR::Class> const &top : tops)
+            put(*fresh, *top, tops.size());
+        return dumpFetched(*fresh);
+    }
+
+private:
+    using Pair = std::pair<std::string, std::string>;
+
+    std::unique_ptr<Model> makeModel() const
+    {
+        auto made = std::make_unique<ShallowModel>();
+        made->setTypeName(false);
+        made->setFieldName("name");
+        made->hideFields(isHiding);
+        for (auto const &[className, fieldName] : filter)
+            made->addAcceptedField(className, fieldName);
+        return made;
+    }
+
+    static void put(Model &into, ZR::Class &item, std::size_t position)
+    {
+        if (auto *const field = dynamic_cast<Field *>(&item))
+            visitLinkField(*field, [&](auto &links) { into.addRow(links, position); });
+        else
+            into.addRow(PtrT<Object>(dynamic_cast<Object &>(item)), position);
+    }
+
+    void forgetDead() { tops.erase(std::remove(tops.begin(), tops.end(), nullptr), tops.end()); }
+
+    void add(ZR::Class &item)
+    {
+        forgetDead();
+        const std::size_t position = objects.below(unsigned(tops.size()) + 1);
+        tops.insert(tops.begin() + std::ptrdiff_t(position), PtrT<ZR::Class>(item));
+        put(*model, item, position);
+    }
+    void add(RefT<Object> const &obj) { add(static_cast<ZR::Class &>(*obj)); }
+
+    std::string addField(RefT<Object> const &obj)
+    {
+        if (obj->getNumFields() < 2)
+            return "nothing";
+        const RefT<Field> field =
+            obj->getField(1 + objects.below(unsigned(obj->getNumFields()) - 1));
+        if (model->isAccepted(PtrT<Field>(field)))
+            add(static_cast<ZR::Class &>(*field));
+        return "add a top field";
+    }
+
+    std::string clearTops(RefT<Object> const &obj)
+    {
+        tops.clear();
+        model->clear();
+        add(obj);
+        return "clear";
+    }
+
+    RandomModel &objects;
+    bool isHiding;
+    std::set<Pair> filter;
+    std::vector<PtrT<ZR::Class>> tops;
+
+public:
+    const std::unique_ptr<Model> model;
+};
 
 } // namespace
 
@@ -91,26 +200,21 @@ void tst_ObjectTreeModelRandom::modelFollowsItsObjects()
     QFETCH(unsigned, seed);
     QFETCH(bool, tested);
     RandomModel objects(seed);
-    // What is shown at the top lives as long as the test.
-    const Things tops{objects.objs[0], objects.objs[1]};
-    const auto model = makeModel(tops, seed % 2 == 0);
+    Host host(objects, seed % 2 == 0);
     using Tester = QAbstractItemModelTester;
     const auto tester =
-        tested ? std::make_unique<Tester>(model.get(), Tester::FailureReportingMode::Fatal)
+        tested ? std::make_unique<Tester>(host.model.get(), Tester::FailureReportingMode::Fatal)
                : nullptr;
-    for (int step = 0; step < 25; ++step) {
-        const std::string done = objects.edit() + ", " + use(*model, objects);
+    for (int step = 0; step < 40; ++step) {
+        const std::string done = objects.edit() + ", " + host.use();
         if (objects.below(3) != 0)
             continue;
-        model->update();
-        const std::string is = dumpFetched(*model);
-        const std::string shouldBe = dumpFetched(*makeModel(tops, model->isHideFields()));
+        const std::string is = Host::dumpFetched(*host.model);
+        const std::string shouldBe = host.dumpAnew();
         QVERIFY2(
             is == shouldBe,
             (std::to_string(step) + ", " + done + ":\n" + is + "instead of\n" + shouldBe).c_str());
     }
-    for (RefT<Object> const &top : tops)
-        RandomModel::removeFields(top);
 }
 
 QTEST_GUILESS_MAIN(tst_ObjectTreeModelRandom)

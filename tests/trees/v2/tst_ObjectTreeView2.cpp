@@ -71,6 +71,8 @@ private slots:
     void pairThatIsNotThereTouchesNoRow();
     void clearedFilterTouchesNoRow();
     void lostRowsStillHaveAPath();
+    void rowsOfLostFieldsStillHaveAPath();
+    void deathOfAFieldIsLookedUp();
     void topRowsAreMadeAnewOnEachChange();
     void listKeepsItsOpenRowsOverAReorder();
     void currentRowOfAConstantView();
@@ -296,6 +298,47 @@ void tst_ObjectTreeView2::lostRowsStillHaveAPath()
     const RowHandle row1 = first.row(first.path("all", 1));
     first.things[2] = {};
     QVERIFY(!first.view->getRowPath(row1).getRoot());
+}
+
+/// KEPT: the place where the field stood.
+void tst_ObjectTreeView2::rowsOfLostFieldsStillHaveAPath()
+{
+    Scene2 scene;
+    addField<MFieldRef>(*scene.d(), "inner", makeThings("x"));
+    scene.show();
+    Path inner = scene.path("own", 0);
+    inner.pushField(*scene.d()->findField("inner"));
+    Path value = scene.path("own", 0);
+    value.pushValue(fieldOf<MFieldRef>(scene.d(), "inner"), 0);
+    Row2 *const valueRow = scene.row(value);
+    Row2 *const fieldRow = scene.row(inner);
+    QVERIFY(valueRow && fieldRow);
+    removeField(*scene.d(), fieldOf<MFieldRef>(scene.d(), "inner"));
+    QVERIFY(!scene.view->getRowField(fieldRow));
+    for (Row2 *const row : {fieldRow, valueRow}) {
+        const Path path = scene.view->getRowPath(row);
+        QCOMPARE(path.getRoot().get(), scene.a().get());
+        QCOMPARE(path.getNum(), std::size_t(1));
+        QCOMPARE(path.getObj().get(), scene.d().get());
+    }
+}
+
+void tst_ObjectTreeView2::deathOfAFieldIsLookedUp()
+{
+    Scene2 scene;
+    scene.show();
+    Row2 *const row = scene.row(scene.path("own"));
+    Field const *const own = &scene.own();
+    bool isTold = false;
+    scene.own().sigDelete.connect([&](auto const &) {
+        isTold = true;
+        const Path path = scene.view->getRowPath(row);
+        QCOMPARE(path.getRoot().get(), scene.a().get());
+        QCOMPARE(path.getType(), Path::Field);
+        QCOMPARE(path.getLast().field.get(), own);
+    });
+    removeField(*scene.a(), scene.own());
+    QVERIFY(isTold);
 }
 
 /// KEPT: all top rows are new, and closed, when one comes or goes.

@@ -64,10 +64,11 @@ struct RowsT {
         return path.getType() == Path::Object && !path.getObj();
     }
 
-    /// The path of a value at a position of the field at the end of `path`.
+    /// The path of a value at a position of the field at the end of `path`. The same path if it ends
+    /// at no field: the one of the row above is gone.
     static Path valuePath(Path path, std::size_t position)
     {
-        if (path.getNum() == 0)
+        if (path.getType() != Path::Field)
             return path;
         const PtrT<Field> field = path.getLast().field;
         path.pop();
@@ -372,10 +373,13 @@ public:
 
     Path getPath() override
     {
-        if ((lost && !View::Traits::lostRowsHavePaths) || !field)
+        if (!View::Traits::lostRowsHavePaths && (lost || !field))
             return Path(PtrT<VOM::Object>());
         VoidRow *const parent = this->getVoidParent();
         Path path = parent ? parent->getPath() : Path(PtrT<VOM::Object>());
+        // Of a field that is gone, nothing but its place is left.
+        if (!field)
+            return path;
         if (isEmpty(path) && field->owner)
             path = Path(*field->owner);
         path.pushField(*field);
