@@ -20,7 +20,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace Explorer {
 
@@ -44,11 +45,12 @@ constexpr int numColumns = 3; // Of each box: a label, a field and what belongs 
 ObjPtrs objectsOf(FormPanel::Paths const &paths)
 {
     ObjPtrs objects;
+    std::unordered_set<Object const *> seen;
     for (Path path : paths) {
         while (!path.getObj() && path.getNum() != 0)
             path.pop();
         const PtrT<Object> object = path.getObj();
-        if (object && std::find(objects.begin(), objects.end(), object) == objects.end())
+        if (object && seen.insert(object.get()).second)
             objects.push_back(object);
     }
     return objects;
@@ -191,21 +193,29 @@ void FormPanel::showObjects(Objects const &objects)
 FormPanel::Paths FormPanel::pathsTo(Objects const &objects) const
 {
     struct Place {
-        RefT<Section> section;
-        std::size_t index;
+        MFieldRef *packages = nullptr; // Of the section.
+        std::size_t index = 0;
     };
-    std::map<RefT<Object>, Place> places;
-    for (RefT<Section> const &section : model.getSections())
-        if (auto const *const packages = cast<MFieldRef>(section->findField("packages")))
-            for (std::size_t i = 0; i < packages->getNum(); ++i)
-                places.insert({packages->get(i), {section, i}});
+    std::unordered_map<Object const *, Place> places;
+    for (RefT<Object> const &object : objects)
+        places[object.get()];
+    std::size_t numMissing = places.size();
+    for (RefT<Section> const &section : model.getSections()) {
+        auto *const packages = cast<MFieldRef>(section->findField("packages"));
+        for (std::size_t i = 0; packages && numMissing != 0 && i < packages->getNum(); ++i) {
+            const auto wanted = places.find(packages->get(i).get());
+            if (wanted == places.end() || wanted->second.packages)
+                continue;
+            wanted->second = {packages, i};
+            --numMissing;
+        }
+    }
     Paths paths;
     for (RefT<Object> const &object : objects) {
-        const auto place = places.find(object);
-        paths.emplace_back(place == places.end() ? PtrT<Object>(object) : place->second.section);
-        if (place != places.end())
-            paths.back().pushValue(*cast<MFieldRef>(place->second.section->findField("packages")),
-                                   place->second.index);
+        const Place place = places[object.get()];
+        paths.emplace_back(PtrT<Object>(place.packages ? place.packages->owner : object.get()));
+        if (place.packages)
+            paths.back().pushValue(*place.packages, place.index);
     }
     return paths;
 }

@@ -7,6 +7,8 @@
 #include <QApplication>
 #include <QFormLayout>
 
+#include <algorithm>
+
 using namespace ZR::VOM;
 using ZR::cast;
 using ZR::RefT;
@@ -26,6 +28,16 @@ protected:
 };
 //! [slot]
 
+//! [adopt]
+/// Takes a person into the project who came from another program: nobody owns that object yet.
+void adopt(RefT<Object> const &project, RefT<Object> const &person)
+{
+    const Example::Objects people = Example::listOf(project, "people");
+    if (person && std::find(people.begin(), people.end(), person) == people.end())
+        Example::place(*project->findField("people"), people.size(), {person});
+}
+//! [adopt]
+
 /// Who does a task: a slot for one person, and the people to drag there.
 int main(int argc, char **argv)
 {
@@ -44,7 +56,10 @@ int main(int argc, char **argv)
     auto *const worker = cast<FieldPtr>(task->findField("worker"));
     slot->setValue(worker->get());
     worker->sigSet.connect([=](auto const &) { slot->setValue(worker->get()); });
-    slot->sigConfirm.connect([=](auto const &) { worker->set(slot->getValue()); });
+    slot->sigConfirm.connect([=](auto const &) {
+        adopt(project, slot->getValue());
+        worker->set(slot->getValue());
+    });
     //! [slotField]
 
     auto *const people =
@@ -54,6 +69,11 @@ int main(int argc, char **argv)
     people->setTypeName(false);
     for (RefT<Object> const &person : Example::listOf(project, "people"))
         people->addRow(person, std::size_t(-1));
+    auto *const list = cast<MFieldRef>(project->findField("people"));
+    list->sigReplace.connect([=](auto const &change) {
+        for (std::size_t i = change.index; i < change.end; ++i)
+            people->addRow(list->get(i), i);
+    });
 
     auto *const layout = new QFormLayout(&form);
     layout->addRow("Worker", slot);

@@ -26,6 +26,7 @@ using ZR::VOM::FieldPtr;
 using ZR::VOM::FieldReal;
 using ZR::VOM::MFieldPtr;
 using ZR::VOM::Object;
+using ZR::VOM::Path;
 
 namespace {
 
@@ -53,6 +54,7 @@ private slots:
 
     void showsWhatASinglePackageRefersTo();
     void severalObjectsHaveNumbersAndPathsOnly();
+    void eachObjectCountsOnce();
     void followsTheModel();
     void packageMayDie();
     void fieldMayGo();
@@ -186,6 +188,23 @@ void tst_FormPanel::severalObjectsHaveNumbersAndPathsOnly()
     QCOMPARE(form->getPathList().get().size(), std::size_t(2));
     show({"b", "c"});
     QCOMPARE(form->getSizeEdit().text(), QString("20"));
+}
+
+void tst_FormPanel::eachObjectCountsOnce()
+{
+    show({"c", "a", "c"});
+    QVERIFY(labels().contains("2 objects"));
+    QStringList shown;
+    for (Path const &path : form->getPathList().get())
+        shown << nameOf(path.getRoot().get()) + '/' + nameOf(path.getObj().get());
+    QCOMPARE(shown, (QStringList{"t/c", "s/a", "t/c"}));
+    QCOMPARE(nameOf(form->getSizeEdit().getObjs().front().get()), QString("c"));
+    // One that no section owns stands for itself.
+    const RefT<Object> stranger(new Package(PackageRecord(), {}));
+    form->showObjects({stranger, package("b")});
+    QCOMPARE(form->getPathList().get().front().getRoot().get(), stranger.get());
+    QCOMPARE(form->getPathList().get().front().getNum(), std::size_t(0));
+    QCOMPARE(nameOf(form->getPathList().get().back().getRoot().get()), QString("s"));
 }
 
 void tst_FormPanel::followsTheModel()

@@ -135,7 +135,7 @@ class tst_FieldLineEdit : public QObject {
 
 private slots:
     void newEditorIsDisabledAndEmpty();
-    void editorsShareALists();
+    void editorsShareAList();
 
     void showsWhatObjectsAgreeOn_data();
     void showsWhatObjectsAgreeOn();
@@ -152,6 +152,8 @@ private slots:
 
     void followsTheModelWhileVisible();
     void hiddenEditorIsEmptyAndCostsNothing();
+    void hiddenEditorStaysEnabledWhereItMayCreate();
+    void derivedClassDecidesWhatAnUpdateShows();
     void nameAndListMayComeWhileVisible();
     void eachModelChangeIsOneUpdate();
     void numberOfUpdatesPerCall_data();
@@ -200,7 +202,7 @@ void tst_FieldLineEdit::newEditorIsDisabledAndEmpty()
     QVERIFY(!edit.parent());
 }
 
-void tst_FieldLineEdit::editorsShareALists()
+void tst_FieldLineEdit::editorsShareAList()
 {
     ObjPtrs list = {PtrT<Object>()};
     QWidget parent;
@@ -453,6 +455,57 @@ void tst_FieldLineEdit::hiddenEditorIsEmptyAndCostsNothing()
     QVERIFY(edit.isEnabled());
 }
 
+/// KEPT: what may be created doesn't depend on the model, which a hidden line doesn't follow.
+void tst_FieldLineEdit::hiddenEditorStaysEnabledWhereItMayCreate()
+{
+    const Things objects = {makeSized(1)};
+    RealEdit edit(nullptr);
+    edit.setField("size");
+    edit.setObjs(watched(objects));
+    QVERIFY(!edit.isEnabled());
+    edit.setCreateOnDemand(true);
+    QVERIFY(edit.isEnabled());
+    edit.show();
+    edit.hide();
+    QVERIFY(edit.isEnabled());
+    QCOMPARE(edit.text(), QString());
+    // It sets nothing meanwhile.
+    edit.setText("3");
+    edit.onConfirm();
+    QCOMPARE(sizeOf(objects[0]).get(), 1.0);
+    QCOMPARE(edit.text(), QString());
+    edit.setCreateOnDemand(false);
+    QVERIFY(!edit.isEnabled());
+}
+
+void tst_FieldLineEdit::derivedClassDecidesWhatAnUpdateShows()
+{
+    class Own : public FieldRealLineEdit {
+    public:
+        using FieldRealLineEdit::FieldRealLineEdit;
+
+    protected:
+        void onUpdate(std::size_t count, bool mixed, double const &value) override
+        {
+            if (mixed)
+                setText(QString("%1 differ").arg(count));
+            else
+                FieldRealLineEdit::onUpdate(count, mixed, value);
+        }
+    };
+    const Things objects = {makeSized(1), makeSized(2), makeThing("lacking")};
+    Own edit;
+    edit.setField("size");
+    edit.setObjs(watched(objects));
+    edit.show();
+    QCOMPARE(edit.text(), QString("2 differ"));
+    // The class didn't enable it.
+    QVERIFY(!edit.isEnabled());
+    sizeOf(objects[1]).set(1);
+    QCOMPARE(edit.text(), QString("1"));
+    QVERIFY(edit.isEnabled());
+}
+
 void tst_FieldLineEdit::nameAndListMayComeWhileVisible()
 {
     const Things objects = {makeSized(1)};
@@ -513,6 +566,8 @@ void tst_FieldLineEdit::numberOfUpdatesPerCall_data()
     QTest::newRow("the same name") << "same field" << 0;
     QTest::newRow("hide") << "hide" << 1;
     QTest::newRow("unbound, bound and read again") << "setObjs" << 3;
+    QTest::newRow("hidden, only read again") << "hidden setObjs" << 1;
+    QTest::newRow("hidden already") << "hidden hide" << 0;
 }
 
 void tst_FieldLineEdit::numberOfUpdatesPerCall()
@@ -521,6 +576,8 @@ void tst_FieldLineEdit::numberOfUpdatesPerCall()
     const Things objects = {makeSized(1)};
     const Form form(objects);
     RealEdit &edit = *form.edit;
+    if (call.startsWith("hidden"))
+        edit.hide();
     UpdateCount updates(edit);
     if (call == "setSensitive")
         edit.setSensitive(true);
@@ -536,9 +593,9 @@ void tst_FieldLineEdit::numberOfUpdatesPerCall()
         edit.setField("weight");
     else if (call == "same field")
         edit.setField("size");
-    else if (call == "hide")
+    else if (call.endsWith("hide"))
         edit.hide();
-    else if (call == "setObjs")
+    else if (call.endsWith("setObjs"))
         edit.setObjs(watched(objects));
     QTEST(updates.take(), "count");
 }
@@ -659,6 +716,7 @@ void tst_FieldLineEdit::confirmedTexts_data()
     QTest::newRow("a second point") << "1.5.6" << 1.5 << "1.5";
     QTest::newRow("a comma ends it") << "1,5" << 1.0 << "1";
     QTest::newRow("too small for a double") << "1e-999" << 0.0 << "0";
+    QTest::newRow("of another base") << "0x10" << 0.0 << "0";
     QTest::newRow("nothing") << "" << old << "7";
     QTest::newRow("blanks") << "   " << old << "7";
     QTest::newRow("letters") << "none" << old << "7";

@@ -133,6 +133,8 @@ protected:
 
     /// After each look at the model: `count` objects have the field, `mixed` says that they don't
     /// agree, `value` is that of the first of them. Enables the line and shows the value.
+    /// KEPT: a line that may create the field is enabled also while it is hidden, when no object
+    /// counts. So hosts tell before a form is shown where users will be able to type.
     virtual void onUpdate(std::size_t count, bool mixed, Value const &value)
     {
         const bool canCreate = createOnDemand && !getObjs().empty() && !getField().empty();
