@@ -43,6 +43,26 @@ with_pkgconfig()
     LD_LIBRARY_PATH=$libdir run_program "$build/$program"
 }
 
+# as_documented ROOT: the host that the pages in ROOT lead to. It would wait for somebody to close it.
+as_documented()
+{
+    local build=$work/documented
+    rm -rf "$build"
+    mkdir -p "$build"
+    sed -n '/^## Five steps/,/^\*\*3\./p' "$1/docs/hosting.md" | code_blocks cmake \
+        >"$build/CMakeLists.txt"
+    sed -n '/^## A host program/,/^## /p' "$1/README.md" | code_blocks cpp >"$build/main.cpp"
+    sed -i "s/find_package(zrVOMGUI /find_package(zrVOMGUI$suffix /" "$build/CMakeLists.txt"
+    cmake -S "$build" -B "$build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix"
+    cmake --build "$build"
+    [[ -x $build/myhost ]] || fail "The pages lead to no host"
+}
+
+code_blocks()
+{
+    awk -v fence="^\`\`\`$1\$" '/^```$/ { inside = 0 } inside { print } $0 ~ fence { inside = 1 }'
+}
+
 run_program()
 {
     local program=$1 linked
