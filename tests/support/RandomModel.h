@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <random>
 #include <string>
+#include <vector>
 
 /// A random model of a few objects with all kinds of links, and edits of it. The same for the same
 /// seed.
@@ -18,25 +19,26 @@ public:
         : generator(seed)
     {
         for (unsigned i = 0; i < 7; ++i) {
-            objs.push_back(makeThing(std::string(1, char('a' + i))));
+            objs.push_back(make(std::string(1, char('a' + i))));
             for (int field = 0; field < 2; ++field)
                 addRandomField(objs.back());
         }
     }
     ~RandomModel()
     {
-        for (Ref const &obj : objs)
+        for (Ptr const &obj : made)
             if (obj)
-                removeFields(obj);
+                removeFields(Ref(obj));
     }
     RandomModel(RandomModel const &) = delete;
     RandomModel &operator=(RandomModel const &) = delete;
 
-    /// Owners in a circle keep each other alive until then.
-    static void removeFields(Ref const &obj)
+    /// An object that the model takes apart in the end: owners in a circle keep each other alive.
+    Ref make(std::string const &name)
     {
-        while (obj->getNumFields() != 0)
-            removeField(*obj, *obj->getField(obj->getNumFields() - 1));
+        const Ref obj = makeThing(name);
+        made.emplace_back(obj);
+        return obj;
     }
 
     unsigned below(unsigned n) { return unsigned(generator()) % n; }
@@ -61,7 +63,7 @@ public:
                 name->set(std::string(1, char('A' + below(26))));
             return "rename";
         case 3:
-            objs[below(unsigned(objs.size()))] = makeThing("n");
+            objs[below(unsigned(objs.size()))] = make("n");
             return "let go of one and make another";
         default:
             return changeLinks(obj);
@@ -71,6 +73,12 @@ public:
     Things objs;
 
 private:
+    static void removeFields(Ref const &obj)
+    {
+        while (obj->getNumFields() != 0)
+            removeField(*obj, *obj->getField(obj->getNumFields() - 1));
+    }
+
     void addRandomField(Ref const &obj)
     {
         const std::string name(1, char('p' + below(5)));
@@ -118,4 +126,5 @@ private:
     }
 
     std::mt19937 generator;
+    std::vector<Ptr> made;
 };

@@ -212,8 +212,6 @@ void tst_TreeModelBased::treeIsAsOneBuiltAnew()
             QVERIFY2(is == shouldBe, (program + "\n" + is + "instead of\n" + shouldBe).c_str());
         }
     }
-    for (RefT<Object> const &top : tops)
-        RandomModel::removeFields(top);
 }
 
 QTEST_MAIN(tst_TreeModelBased)

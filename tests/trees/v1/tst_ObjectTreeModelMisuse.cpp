@@ -514,8 +514,6 @@ void tst_ObjectTreeModelMisuse::randomSlots()
         QVERIFY2(is == shouldBe, (is + "instead of\n" + shouldBe).c_str());
     }
     context.disconnect();
-    for (RefT<Object> const &top : tops)
-        RandomModel::removeFields(top);
 }
 
 QTEST_GUILESS_MAIN(tst_ObjectTreeModelMisuse)

@@ -42,12 +42,6 @@ struct Host {
         add(objects.objs[0]);
         add(objects.objs[1]);
     }
-    ~Host()
-    {
-        for (PtrT<ZR::Class> const &top : tops)
-            if (auto *const obj = ZR::cast<Object>(top))
-                RandomModel::removeFields(RefT<Object>(*obj));
-    }
     Host(Host const &) = delete;
     Host &operator=(Host const &) = delete;
 
@@ -87,7 +81,7 @@ struct Host {
         case 11:
             return clearTops(any);
         case 12:
-            any = makeThing("d");
+            any = objects.make("d");
             return "let go of one, which may be at the top";
         default:
             model->update();

@@ -64,8 +64,8 @@ struct RowsT {
         return path.getType() == Path::Object && !path.getObj();
     }
 
-    /// The path of a value at a position of the field at the end of `path`. The same path if it ends
-    /// at no field: the one of the row above is gone.
+    /// The path of a value at a position of the field at the end of `path`. The same path if it
+    /// ends at no field: the one of the row above is gone.
     static Path valuePath(Path path, std::size_t position)
     {
         if (path.getType() != Path::Field)
