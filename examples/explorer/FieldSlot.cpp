@@ -62,7 +62,7 @@ FieldSlot::FieldSlot(PackageModel &shownModel, char const *acceptedClass, QStrin
     , model(shownModel)
     , className(acceptedClass)
     , emptyText(hint)
-    , textLabel(findChildren<QLabel *>().last())
+    , textLabel(&getTextLabel())
 {
     setObjIconDB(makeIconDB(IconRule::ByPriority));
     setFieldName("name");

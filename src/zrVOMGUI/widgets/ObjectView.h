@@ -132,6 +132,8 @@ protected:
     /// The text of the value. Called when a value is set, also null, when the name field that the
     /// last text was made from changes, and while there is a value when the settings do.
     virtual QString onUpdateText();
+    /// What shows the text, for derived classes that fit it to the slot's width. The slot owns it.
+    QLabel &getTextLabel() const { return *textLabel; }
     /// Whether the objects may be dropped; sets the event's drop action to what the drop would do.
     /// `copied` says that they are new ones, made of XML, which nobody owns: each step of a drag
     /// makes its own, and they die with the event unless they are adopted.
