@@ -209,6 +209,8 @@ private slots:
     void fieldThatIsPutBackInsideAnUpdateIsFollowed();
     void setInsideASetIsOneUpdate();
     void setInsideAnUpdateTellsAtOnce();
+    void randomListenersLeaveWhatALookAtAllGives_data();
+    void randomListenersLeaveWhatALookAtAllGives();
     void destroyedManagerHearsNothing();
     void listenerMayDestroyTheManager_data();
     void listenerMayDestroyTheManager();
@@ -1092,6 +1094,132 @@ void tst_FieldManager::setInsideAnUpdateTellsAtOnce()
     });
     sizeOf(objects[0]).set(2);
     QCOMPARE(toldMeanwhile, QString("1 3"));
+}
+
+namespace {
+
+/// Changes objects at random, also from inside the signals of what it does.
+class Crowd {
+public:
+    explicit Crowd(unsigned seed)
+        : generator(seed)
+    {
+        // Before the manager's own slots.
+        for (RefT<Object> const &object : objects) {
+            object->sigAddField.connect([this](auto const &) { meddle(); });
+            object->sigRemoveField.connect([this](auto const &) { meddle(); });
+        }
+        bound = std::make_unique<Bound>(objects);
+        bound->manager.sigModify.connect([this](auto const &) { meddle(); });
+        // And behind them, as long as no field comes back.
+        for (RefT<Object> const &object : objects)
+            object->sigRemoveField.connect([this](auto const &) { meddle(); });
+    }
+
+    void act()
+    {
+        const std::size_t i = draw(objects.size());
+        const RefT<Object> object = objects[i];
+        const double value = double(draw(3));
+        if (!object)
+            return;
+        auto *const field = ZR::cast<FieldReal>(object->findField("size"));
+        switch (draw(7)) {
+        case 0:
+            return bound->manager.update();
+        case 1:
+            return bound->manager.set(value, draw(2) != 0);
+        case 2:
+            if (draw(20) == 0)
+                objects[i] = {};
+            return;
+        case 3:
+            if (RefT<Field> const other = object->findField("weight"))
+                removeField(*object, *other);
+            else
+                addField<FieldReal>(*object, "weight", value);
+            return;
+        case 4:
+            if (field)
+                removeField(*object, *field);
+            return;
+        default:
+            if (field)
+                return field->set(value);
+            addField<FieldReal>(*object, "size", value);
+            if (auto *const added = ZR::cast<FieldReal>(object->findField("size")))
+                added->sigSet.connect([this](auto const &) { meddle(); });
+        }
+    }
+
+    bool hasTwins() const
+    {
+        return std::any_of(objects.begin(), objects.end(), [](RefT<Object> const &object) {
+            std::size_t numSizes = 0;
+            for (std::size_t i = 0; object && i < object->getNumFields(); ++i)
+                numSizes += object->getField(i)->name == "size";
+            return numSizes > 1;
+        });
+    }
+
+    Things objects = {makeSized(1), makeSized(1), makeSized(2), makeThing("a"), makeThing("b")};
+    const ObjPtrs list = watched(objects);
+    std::unique_ptr<Bound> bound;
+
+private:
+    std::size_t draw(std::size_t end) { return generator() % end; }
+    void meddle()
+    {
+        if (depth > 3 || draw(3) != 0)
+            return;
+        ++depth;
+        try {
+            act();
+        } catch (ZR::Error const &) {
+            ++numRefused;
+        }
+        --depth;
+        if (draw(10) == 0)
+            throw ZR::Error("no");
+    }
+
+    std::mt19937 generator;
+    int depth = 0;
+    int numRefused = 0;
+};
+
+} // namespace
+
+void tst_FieldManager::randomListenersLeaveWhatALookAtAllGives_data()
+{
+    randomChangesGiveWhatALookAtAllGives_data();
+}
+
+void tst_FieldManager::randomListenersLeaveWhatALookAtAllGives()
+{
+    QFETCH(unsigned, seed);
+    const Reports reports; // Takes what listeners of the manager raise.
+    Crowd crowd(seed);
+    int numSteps = 0;
+    for (int step = 0; step < 300; ++step) {
+        try {
+            crowd.act();
+        } catch (ZR::Error const &error) {
+            QCOMPARE(error.what(), "no");
+        }
+        // Of two fields of one name, that counts which was there when the other wasn't: one was
+        // made while the other was to go.
+        if (crowd.hasTwins())
+            break;
+        ++numSteps;
+        crowd.bound->log.take();
+        const QString expected = lookAtAll(crowd.list);
+        crowd.bound->manager.update();
+        const QString told = crowd.bound->log.take().section(", ", 0, 0);
+        QVERIFY2(told == expected,
+                 qPrintable(QString("step %1: %2 instead of %3").arg(step).arg(told, expected)));
+    }
+    QVERIFY(numSteps > 20);
 }
 
 void tst_FieldManager::destroyedManagerHearsNothing()
