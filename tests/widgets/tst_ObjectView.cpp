@@ -767,7 +767,8 @@ void tst_ObjectView::secondStartDuringADragIsIgnored()
         if (event.type() != QEvent::Drop)
             return;
         slot->setValue(things[1]);
-        QMouseEvent move(QEvent::MouseMove, QPointF(90, 50), Qt::NoButton, Qt::LeftButton, {});
+        QMouseEvent move(QEvent::MouseMove, QPointF(90, 50), QPointF(90, 50), Qt::NoButton,
+                         Qt::LeftButton, {});
         QApplication::sendEvent(slot, &move);
         getFromMimeData(*event.mimeData(), carried);
     };
