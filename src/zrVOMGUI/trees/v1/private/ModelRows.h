@@ -5,6 +5,7 @@
 #include "zrVOMGUI/foundation/vom/linkFields.h"
 #include "zrVOMGUI/trees/v1/ObjectTreeModel.h"
 
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -169,8 +170,8 @@ private:
     void takeOut(std::size_t position);
     void disconnectItems();
 
-    std::vector<std::unique_ptr<Item>> items;
-    std::size_t numFields = 0; // Among the items.
+    std::deque<std::unique_ptr<Item>> items; // Those in front often die first.
+    std::size_t numFields = 0;               // Among the items.
 };
 
 /// One object, or an empty link.
