@@ -428,6 +428,7 @@ private:
             openByKeys(*tree);
         album.add("trees.png", page);
         page.findChild<QCheckBox *>()->click(); // Hides the fields.
+        QCoreApplication::processEvents();      // Scroll bars that are no longer needed go.
         album.add("trees-hidden-fields.png", page);
         setDarkStyle(true);
         album.add("trees-dark.png", page);
