@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QPointer>
 #include <QString>
+#include <QWidget>
 
 #include <algorithm>
 #include <ios>

@@ -28,7 +28,9 @@ public:
     explicit PaintCounter(QWidget &watched)
         : widget(watched)
     {
-        QApplication::processEvents();
+        // The window system may ask for the first paint late.
+        if (QTest::qWaitForWindowExposed(widget.window()))
+            QApplication::processEvents();
         widget.installEventFilter(this);
     }
     int take()
