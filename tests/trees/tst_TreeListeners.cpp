@@ -1,5 +1,5 @@
 #include "support/ErrorReports.h"
-#include "trees/TreeScene.h"
+#include "trees/DroppedObject.h"
 #include "zrVOMGUI/transfer/MimeData.h"
 
 #include <QDropEvent>
@@ -23,19 +23,6 @@ public:
         return {};
     }
     std::function<void()> onFind;
-};
-
-/// A drop of the scene's "e" by copy.
-struct Dropped {
-    explicit Dropped(Scene &scene)
-        : objs{scene.e()}
-        , mime(GUI::createMimeData({}, &objs, nullptr))
-        , event(QPointF(1, 1), Qt::CopyAction, mime.get(), Qt::LeftButton, {})
-    {
-    }
-    Things objs;
-    std::unique_ptr<QMimeData> mime;
-    QDropEvent event;
 };
 
 constexpr auto noPosition = static_cast<std::size_t>(-1);
@@ -76,7 +63,7 @@ void tst_TreeListeners::viewMayDieInEachOfThem()
     Tree &view = *scene.view;
     const RowHandle field = scene.row(scene.path("own")), object = scene.row(scene.path());
     const Path below = scene.path("own", 1);
-    Dropped dropped(scene);
+    DroppedObject dropped(scene);
     const auto destroy = [&](auto const &) { scene.view.reset(); };
     const auto allowAndDestroy = [&](auto const &sigData) {
         *sigData.result = true;
@@ -182,7 +169,7 @@ void tst_TreeListeners::firstToRaiseEndsTheDecision()
     GUI::Reports reports;
     scene.view->sigCanDrop.connect([](auto const &) { throw std::runtime_error("broken"); });
     scene.view->sigCanDrop.connect([](auto const &sigData) { *sigData.result = true; });
-    Dropped dropped(scene);
+    DroppedObject dropped(scene);
     QVERIFY(!scene.view->onCanDrop(dropped.event, scene.row(scene.path("own")), noPosition));
     QCOMPARE(reports.texts,
              (std::vector<std::string>{"ZR::VOM::GUI::ObjectTreeView::canDrop: broken"}));
@@ -196,7 +183,7 @@ void tst_TreeListeners::firstToRaiseEndsTheDrop()
     int numTold = 0;
     scene.view->sigDrop.connect([](auto const &) { throw std::runtime_error("broken"); });
     scene.view->sigDrop.connect([&](auto const &) { ++numTold; });
-    Dropped dropped(scene);
+    DroppedObject dropped(scene);
     scene.view->onDrop(dropped.event, scene.row(scene.path("own")), noPosition);
     QCOMPARE(numTold, 0);
     QCOMPARE(reports.texts,

@@ -1,3 +1,4 @@
+#include "support/PaintCounter.h"
 #include "support/QtStrings.h"
 #include "support/Things.h"
 #include "zrVOMGUI/widgets/PathListView.h"
@@ -813,34 +814,16 @@ void tst_PathListView::textThatBecameLongerIsCut()
             QCOMPARE(image.pixel(x, y), scene.view.palette().color(QPalette::Base).rgb());
 }
 
-namespace {
-
-class PaintCounter : public QObject {
-public:
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        numPaints += event->type() == QEvent::Paint;
-        return false;
-    }
-    int numPaints = 0;
-};
-
-} // namespace
-
 /// KEPT: a click takes one paint.
 void tst_PathListView::pressDoesNotRepaintAndReleaseDoes()
 {
     Scene scene;
     scene.setPlain(3);
-    QApplication::processEvents();
-    PaintCounter counter;
-    scene.view.viewport()->installEventFilter(&counter);
+    PaintCounter paints(*scene.view.viewport());
     QTest::mousePress(scene.view.viewport(), Qt::LeftButton, {}, scene.middle(1));
-    QApplication::processEvents();
-    QCOMPARE(counter.numPaints, 0);
+    QCOMPARE(paints.take(), 0);
     QTest::mouseRelease(scene.view.viewport(), Qt::LeftButton, {}, scene.middle(1));
-    QApplication::processEvents();
-    QCOMPARE(counter.numPaints, 1);
+    QCOMPARE(paints.take(), 1);
 }
 
 void tst_PathListView::losingTheFocusClearsAll()
@@ -863,13 +846,10 @@ void tst_PathListView::losingTheFocusAsksForNoPaint()
     Scene scene;
     scene.setPlain(3);
     scene.click(1);
-    QApplication::processEvents();
-    PaintCounter counter;
-    scene.view.viewport()->installEventFilter(&counter);
+    PaintCounter paints(*scene.view.viewport());
     QFocusEvent event(QEvent::FocusOut);
     QApplication::sendEvent(&scene.view, &event);
-    QApplication::processEvents();
-    QCOMPARE(counter.numPaints, 0);
+    QCOMPARE(paints.take(), 0);
 }
 
 void tst_PathListView::manyPathsArePaintedAtOnce()

@@ -1,10 +1,9 @@
+#include "support/PaintCounter.h"
 #include "trees/v1/ViewScene.h"
 
-#include <QPaintEvent>
 #include <QScreen>
 
 #include <functional>
-#include <utility>
 
 using namespace view_test;
 
@@ -12,43 +11,6 @@ using Edit = std::function<void(ViewScene &, int)>;
 Q_DECLARE_METATYPE(Edit)
 
 namespace {
-
-/// How often a widget painted since the last time, and what of it.
-class PaintCounter : public QObject {
-public:
-    explicit PaintCounter(QWidget &watched)
-        : widget(watched)
-    {
-        settle();
-        widget.installEventFilter(this);
-    }
-    int take()
-    {
-        settle();
-        return std::exchange(num, 0);
-    }
-    QRegion takeRegion() { return std::exchange(region, {}); }
-
-private:
-    static void settle()
-    {
-        // Qt lays new rows out by a timer of its own.
-        for (int i = 0; i < 3; ++i)
-            QTest::qWait(5);
-    }
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        if (event->type() == QEvent::Paint) {
-            ++num;
-            region = static_cast<QPaintEvent *>(event)->region();
-        }
-        return false;
-    }
-
-    QWidget &widget;
-    int num = 0;
-    QRegion region;
-};
 
 void countSelections(ViewScene &scene, int &num)
 {

@@ -1,3 +1,4 @@
+#include "support/PaintCounter.h"
 #include "trees/TreeScene.h"
 #include "zrVOMGUI/trees/v2/ObjectTreeView.h"
 
@@ -20,34 +21,6 @@ struct HasAddressOption : std::false_type {
 template <class View>
 struct HasAddressOption<View, std::void_t<decltype(std::declval<View &>().setAddress(true))>>
     : std::true_type {
-};
-
-/// How often the viewport was asked to paint since the last time.
-class PaintCounter : public QObject {
-public:
-    explicit PaintCounter(QWidget &watched)
-        : widget(watched)
-    {
-        // The window system may ask for the first paint late.
-        if (QTest::qWaitForWindowExposed(widget.window()))
-            QApplication::processEvents();
-        widget.installEventFilter(this);
-    }
-    int take()
-    {
-        QApplication::processEvents();
-        return std::exchange(num, 0);
-    }
-
-private:
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        num += event->type() == QEvent::Paint;
-        return false;
-    }
-
-    QWidget &widget;
-    int num = 0;
 };
 
 } // namespace

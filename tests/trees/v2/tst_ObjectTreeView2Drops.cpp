@@ -1,5 +1,5 @@
 #include "support/ErrorReports.h"
-#include "trees/TreeScene.h"
+#include "trees/DroppedObject.h"
 #include "zrVOMGUI/foundation/vom/XmlImporter.h"
 #include "zrVOMGUI/transfer/MimeData.h"
 #include "zrVOMGUI/transfer/MimeTypes.h"
@@ -40,19 +40,6 @@ public:
 private:
     std::ostringstream text;
     std::streambuf *const before;
-};
-
-/// A drop of the scene's "e" by copy.
-struct Dropped {
-    explicit Dropped(Scene2 &scene)
-        : objs{scene.e()}
-        , mime(GUI::createMimeData({}, &objs, nullptr))
-        , event(QPointF(1, 1), Qt::CopyAction, mime.get(), Qt::LeftButton, {})
-    {
-    }
-    Things objs;
-    std::unique_ptr<QMimeData> mime;
-    QDropEvent event;
 };
 
 constexpr auto noPosition = static_cast<std::size_t>(-1);
@@ -100,7 +87,7 @@ void tst_ObjectTreeView2Drops::traceNamesTheKindOfRow()
     scene.show();
     fieldOf<FieldPtr>(scene.a(), "next").set({});
     scene.dump();
-    Dropped dropped(scene);
+    DroppedObject dropped(scene);
     View2::Row *const object = scene.row(scene.path());
     View2::Row *const target = row == "none"     ? nullptr
                                : row == "field"  ? scene.row(scene.path("own"))
@@ -129,7 +116,7 @@ void tst_ObjectTreeView2Drops::traceShowsThePositionAsAnInt()
     QFETCH(std::string, shown);
     Scene2 scene;
     scene.show();
-    Dropped dropped(scene);
+    DroppedObject dropped(scene);
     View2::Row *const row = scene.row(scene.path("own"));
     Output output;
     scene.view->onCanDrop(dropped.event, row, position);
@@ -142,7 +129,7 @@ void tst_ObjectTreeView2Drops::traceShowsTheTextAsLatin1()
     fieldOf<FieldString>(scene.a(), "name").set("Größe");
     scene.show();
     scene.dump();
-    Dropped dropped(scene);
+    DroppedObject dropped(scene);
     View2::Row *const row = scene.row(scene.path());
     Output output;
     scene.view->onCanDrop(dropped.event, row, 0);
@@ -154,7 +141,7 @@ void tst_ObjectTreeView2Drops::traceIsWrittenByDropsToo()
 {
     Scene2 scene;
     scene.show();
-    Dropped dropped(scene);
+    DroppedObject dropped(scene);
     int numDrops = 0;
     scene.view->sigDrop.connect([&](auto const &) { ++numDrops; });
     View2::Row *const row = scene.row(scene.path("own"));
@@ -186,7 +173,7 @@ void tst_ObjectTreeView2Drops::topPositionTracesTheLowerRow()
     scene.view->addRow(scene.own(), 0);
     scene.show();
     scene.dump();
-    Dropped dropped(scene);
+    DroppedObject dropped(scene);
     View2::Row *const root = scene.row(scene.path())->getParent();
     Output output;
     QVERIFY(scene.view->onCanDrop(dropped.event, root, 1));
@@ -205,7 +192,7 @@ void tst_ObjectTreeView2Drops::reportsBearTheNameOfTheGeneration()
         throw std::runtime_error("broken");
     });
     scene.view->sigDrop.connect([](auto const &) { throw std::runtime_error("broken, too"); });
-    Dropped dropped(scene);
+    DroppedObject dropped(scene);
     View2::Row *const row = scene.row(scene.path("own"));
     const Output output;
     scene.view->onDrop(dropped.event, row, 0);
@@ -220,7 +207,7 @@ void tst_ObjectTreeView2Drops::hiddenFieldsLetObjectRowsTakeDrops()
     scene.view->setHideFields(true);
     scene.show();
     scene.dump();
-    Dropped dropped(scene);
+    DroppedObject dropped(scene);
     Field const *field = nullptr;
     scene.view->sigDrop.connect(
         [&](auto const &sigData) { field = sigData.path.getLast().field.get(); });
