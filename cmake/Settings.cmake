@@ -5,7 +5,9 @@ option(ZRVOMGUI_BENCH "Build the benchmarks" ${PROJECT_IS_TOP_LEVEL})
 option(ZRVOMGUI_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
 option(ZRVOMGUI_FUZZ "Build the fuzz targets; takes clang" OFF)
 option(ZRVOMGUI_INSTALL "Install the libraries with the project" ${PROJECT_IS_TOP_LEVEL})
-option(ZRVOMGUI_WERROR "Treat warnings in our code as errors" ${PROJECT_IS_TOP_LEVEL})
+# For those who change the code, as the presets do that test it. Whoever only builds it may have a newer
+# compiler, with warnings that nobody has seen yet.
+option(ZRVOMGUI_WERROR "Treat warnings in our code as errors" OFF)
 
 # Qt 5 is what this library is made for and described with; Qt 6 gives the same widgets. Qt's targets
 # are named by ${Qt}, as in ${Qt}::Widgets.
@@ -21,7 +23,8 @@ if(ZRVOMGUI_QT_MAJOR EQUAL 6)
     set(ZRVOMGUI_SUFFIX -qt6)
 endif()
 
-if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+# As part of another project the choice is that project's.
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "" FORCE)
 endif()
 
@@ -37,6 +40,8 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+# No class for moc depends on a macro of the compiler, and asking for them takes as long as moc itself.
+set(CMAKE_AUTOMOC_COMPILER_PREDEFINES OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 find_program(CCACHE_PROGRAM ccache)

@@ -3,7 +3,7 @@
 #include "zrVOMGUI/graph/private/NodeLinks.h"
 
 #include <QScrollBar>
-#include <QtTest>
+#include <QTest>
 
 #include <cmath>
 #include <limits>

@@ -7,8 +7,10 @@
 #include "zrVOMGUI/transfer/MimeData.h"
 #include "zrVOMGUI/transfer/MimeTypes.h"
 
+#include <QDrag>
 #include <QDropEvent>
-#include <QtTest>
+#include <QMimeData>
+#include <QTest>
 
 #include <algorithm>
 #include <functional>

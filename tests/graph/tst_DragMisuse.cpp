@@ -4,8 +4,12 @@
 #include "support/ViewCheck.h"
 #include "support/ViewProbe.h"
 
+#include <QDrag>
 #include <QDropEvent>
-#include <QtTest>
+#include <QMimeData>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
 
 #include <algorithm>
 #include <functional>

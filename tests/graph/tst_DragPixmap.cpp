@@ -4,7 +4,7 @@
 
 #include <QFontMetrics>
 #include <QPainter>
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <memory>

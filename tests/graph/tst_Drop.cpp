@@ -4,7 +4,7 @@
 #include "support/dump.h"
 
 #include <QScrollBar>
-#include <QtTest>
+#include <QTest>
 
 #include <stdexcept>
 

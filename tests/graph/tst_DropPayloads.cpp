@@ -3,7 +3,8 @@
 #include "support/dump.h"
 #include "zrVOMGUI/transfer/MimeTypes.h"
 
-#include <QtTest>
+#include <QMimeData>
+#include <QTest>
 
 #include <cstring>
 #include <functional>

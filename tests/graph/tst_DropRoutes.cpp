@@ -7,7 +7,8 @@
 #include "zrVOMGUI/transfer/MimeData.h"
 
 #include <QElapsedTimer>
-#include <QtTest>
+#include <QMimeData>
+#include <QTest>
 
 #include <algorithm>
 #include <memory>

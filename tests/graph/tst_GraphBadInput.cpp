@@ -1,7 +1,7 @@
 #include "support/LongLinkScene.h"
 
 #include <QScrollBar>
-#include <QtTest>
+#include <QTest>
 
 #include <limits>
 

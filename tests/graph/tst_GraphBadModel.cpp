@@ -1,7 +1,7 @@
 #include "support/LongLinkScene.h"
 #include "zrVOMGUI/presentation/ObjectIconDB.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <limits>
 #include <stdexcept>

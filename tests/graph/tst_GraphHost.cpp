@@ -3,7 +3,7 @@
 #include "zrVOMGUI/foundation/vom/MField.h"
 #include "zrVOMGUI/graph/ObjectGraphView.h"
 
-#include <QtTest>
+#include <QTest>
 
 using ZR::PtrT;
 using ZR::RefT;

@@ -4,7 +4,7 @@
 #include "support/ViewProbe.h"
 #include "support/dump.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <functional>
 #include <memory>

@@ -2,7 +2,7 @@
 #include "support/QtStrings.h"
 
 #include <QElapsedTimer>
-#include <QtTest>
+#include <QTest>
 
 #include <numeric>
 

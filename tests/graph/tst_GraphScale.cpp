@@ -2,7 +2,7 @@
 #include "support/QtStrings.h"
 #include "support/ViewPicture.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace std::string_literals;
 using namespace ZR;

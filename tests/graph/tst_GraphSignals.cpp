@@ -4,7 +4,7 @@
 #include "support/dump.h"
 
 #include <QPainter>
-#include <QtTest>
+#include <QTest>
 
 #include <functional>
 #include <memory>

@@ -3,7 +3,7 @@
 
 #include <QFontMetrics>
 #include <QLayout>
-#include <QtTest>
+#include <QTest>
 
 using namespace ZR;
 using namespace ZR::VOM::GUI;

@@ -1,7 +1,7 @@
 #include "support/ViewGraph.h"
 #include "support/ViewPicture.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace ZR;
 using namespace ZR::VOM::GUI;

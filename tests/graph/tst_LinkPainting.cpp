@@ -3,7 +3,7 @@
 
 #include <QElapsedTimer>
 #include <QPainter>
-#include <QtTest>
+#include <QTest>
 
 #include <random>
 

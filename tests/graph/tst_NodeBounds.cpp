@@ -2,7 +2,7 @@
 #include "support/ViewPicture.h"
 
 #include <QFontMetrics>
-#include <QtTest>
+#include <QTest>
 
 using namespace std::string_literals;
 using namespace ZR;

@@ -7,7 +7,7 @@
 
 #include <QFontMetrics>
 #include <QPixmap>
-#include <QtTest>
+#include <QTest>
 
 using namespace std::string_literals;
 using namespace ZR;

@@ -2,7 +2,7 @@
 #include "support/Things.h"
 #include "support/ViewProbe.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <climits>

@@ -6,7 +6,8 @@
 #include <QMetaProperty>
 #include <QSignalSpy>
 #include <QStyle>
-#include <QtTest>
+#include <QTest>
+#include <QTimer>
 
 #include <climits>
 #include <memory>

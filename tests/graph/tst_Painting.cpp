@@ -3,7 +3,7 @@
 
 #include <QPainter>
 #include <QStyleOption>
-#include <QtTest>
+#include <QTest>
 
 #include <functional>
 

@@ -4,7 +4,7 @@
 #include "support/ViewProbe.h"
 
 #include <QScrollBar>
-#include <QtTest>
+#include <QTest>
 
 #include <functional>
 #include <limits>

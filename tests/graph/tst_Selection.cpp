@@ -4,7 +4,7 @@
 #include "support/dump.h"
 
 #include <QScrollBar>
-#include <QtTest>
+#include <QTest>
 
 using namespace std::string_literals;
 using namespace ZR;

@@ -9,10 +9,13 @@
 
 #include <QApplication>
 #include <QDrag>
+#include <QMimeData>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QScrollBar>
+#include <QTest>
+#include <QTimer>
 #include <QWindow>
-#include <QtTest>
 
 #include <functional>
 #include <memory>

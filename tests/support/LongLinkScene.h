@@ -7,7 +7,7 @@
 #include "support/dump.h"
 
 #include <QScrollBar>
-#include <QtTest>
+#include <QTest>
 
 namespace ZR::VOM::GUI {
 

@@ -7,7 +7,7 @@
 
 #include <QApplication>
 #include <QMouseEvent>
-#include <QtTest>
+#include <QTest>
 
 #include <memory>
 #include <string>

@@ -4,7 +4,7 @@
 
 #include <QByteArray>
 #include <QMetaType>
-#include <QtTest>
+#include <QTest>
 
 #include <string>
 

@@ -1,6 +1,6 @@
 #include "support/ViewGraph.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <tuple>

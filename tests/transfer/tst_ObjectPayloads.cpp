@@ -5,6 +5,8 @@
 
 #include "zrVOMGUI/transfer/MimeData.h"
 
+#include <QMimeData>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <cstring>

@@ -1,7 +1,7 @@
 #include "support/Things.h"
 #include "zrVOMGUI/transfer/canDrop.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <stdexcept>
 

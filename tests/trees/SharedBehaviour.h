@@ -17,7 +17,7 @@
 #include "zrVOMGUI/transfer/MimeData.h"
 
 #include <QMimeData>
-#include <QtTest>
+#include <QTest>
 
 #include <memory>
 #include <string>

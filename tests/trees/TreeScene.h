@@ -6,7 +6,7 @@
 
 #include <QApplication>
 #include <QScrollBar>
-#include <QtTest>
+#include <QTest>
 
 #include <memory>
 #include <string>

@@ -4,7 +4,7 @@
 
 #include <QPointer>
 #include <QVBoxLayout>
-#include <QtTest>
+#include <QTest>
 
 #include <cmath>
 #include <iomanip>

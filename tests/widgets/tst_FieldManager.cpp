@@ -2,7 +2,7 @@
 #include "support/Things.h"
 #include "zrVOMGUI/widgets/FieldWidgets.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <functional>

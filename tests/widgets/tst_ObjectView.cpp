@@ -10,6 +10,8 @@
 #include <QDrag>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMimeData>
+#include <QPointer>
 #include <QStyle>
 
 #include <functional>

@@ -8,7 +8,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyle>
-#include <QtTest>
+#include <QTest>
 
 #include <memory>
 

@@ -8,7 +8,8 @@
 #include <QDragEnterEvent>
 #include <QElapsedTimer>
 #include <QMimeData>
-#include <QtTest>
+#include <QTest>
+#include <QTimer>
 
 #include <functional>
 #include <vector>

@@ -10,7 +10,7 @@
 #include <QPointer>
 #include <QScrollBar>
 #include <QStyle>
-#include <QtTest>
+#include <QTest>
 
 #include <functional>
 #include <map>

@@ -3,6 +3,10 @@
 #include <QAction>
 #include <QDialog>
 #include <QListWidget>
+#include <QMimeData>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <memory>

@@ -4,10 +4,11 @@
 #include <QIntValidator>
 #include <QPointer>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QStyle>
 #include <QStyleOptionFrame>
+#include <QTest>
 #include <QVBoxLayout>
-#include <QtTest>
 
 #include <functional>
 #include <iomanip>

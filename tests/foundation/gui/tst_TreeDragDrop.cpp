@@ -4,6 +4,9 @@
 #include <QDragEnterEvent>
 #include <QDragLeaveEvent>
 #include <QDragMoveEvent>
+#include <QMimeData>
+#include <QPointer>
+#include <QTimer>
 
 #include <utility>
 

@@ -3,7 +3,7 @@
 
 #include <QElapsedTimer>
 #include <QScrollBar>
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <memory>

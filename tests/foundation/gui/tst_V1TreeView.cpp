@@ -4,6 +4,9 @@
 #include <QApplication>
 #include <QDrag>
 #include <QHeaderView>
+#include <QMimeData>
+#include <QPointer>
+#include <QSignalSpy>
 #include <QStandardItemModel>
 
 #include <algorithm>

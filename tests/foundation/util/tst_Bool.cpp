@@ -1,6 +1,6 @@
 #include "zrVOMGUI/foundation/util/Bool.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <cstring>
 #include <type_traits>

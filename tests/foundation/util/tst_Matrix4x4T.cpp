@@ -1,6 +1,6 @@
 #include "zrVOMGUI/foundation/util/Matrix4x4T.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <numeric>
 #include <type_traits>

@@ -1,6 +1,6 @@
 #include "zrVOMGUI/foundation/util/Parent.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <memory>
 

@@ -7,7 +7,7 @@
 #include <QPoint>
 #include <QRect>
 #include <QScrollBar>
-#include <QtTest>
+#include <QTest>
 
 namespace ZR::VOM::GUI {
 

@@ -3,7 +3,7 @@
 
 #include <QFontMetrics>
 #include <QStyle>
-#include <QtTest>
+#include <QTest>
 
 using namespace ZR;
 using namespace ZR::VOM::GUI;

@@ -3,7 +3,7 @@
 #include "support/ViewGraph.h"
 #include "zrVOMGUI/graph/layout/CrossingReduction.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #include "support/NumberedGraph.h"
 #include "zrVOMGUI/graph/layout/CutSearch.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <limits>

@@ -1,7 +1,7 @@
 #include "support/LayoutOracle.h"
 #include "support/ViewGraph.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace ZR;
 using namespace ZR::VOM::GUI;

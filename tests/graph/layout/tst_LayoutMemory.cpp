@@ -1,7 +1,7 @@
 #include "support/EngineGraph.h"
 
 #include <QDir>
-#include <QtTest>
+#include <QTest>
 
 #include <malloc.h>
 

@@ -1,6 +1,6 @@
 #include "support/ViewGraph.h"
 
-#include <QtTest>
+#include <QTest>
 
 using namespace ZR;
 using namespace ZR::VOM::GUI;

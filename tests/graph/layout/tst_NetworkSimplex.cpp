@@ -2,7 +2,7 @@
 #include "support/NumberedGraph.h"
 #include "zrVOMGUI/graph/layout/NetworkSimplex.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <numeric>

@@ -4,7 +4,7 @@
 #include "zrVOMGUI/graph/layout/Routes.h"
 
 #include <QElapsedTimer>
-#include <QtTest>
+#include <QTest>
 
 #include <limits>
 #include <numeric>

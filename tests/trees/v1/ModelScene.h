@@ -6,7 +6,7 @@
 #include "support/itemModelDump.h"
 #include "zrVOMGUI/trees/v1/ObjectTreeModel.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <functional>
 #include <memory>

@@ -5,7 +5,7 @@
 #include "zrVOMGUI/trees/v1/ObjectTreeView.h"
 
 #include <QApplication>
-#include <QtTest>
+#include <QTest>
 
 #include <memory>
 #include <string>

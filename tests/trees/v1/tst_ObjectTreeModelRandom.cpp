@@ -3,7 +3,7 @@
 #include "zrVOMGUI/trees/v1/ObjectTreeModel.h"
 
 #include <QAbstractItemModelTester>
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <memory>

@@ -3,6 +3,7 @@
 #include "zrVOMGUI/trees/v2/ObjectTreeView.h"
 
 #include <QLineEdit>
+#include <QMimeData>
 
 #include <type_traits>
 
