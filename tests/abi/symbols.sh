@@ -59,7 +59,7 @@ symbols()
 
 status=0
 for library; do
-    list=$folder/$(basename "$library" .so | sed 's/^lib//').symbols
+    list=$folder/$(basename "$library" .so | sed 's/^lib//; s/-qt6$//').symbols
     case $mode in
     renew) symbols "$library" >"$list" ;;
     check)
