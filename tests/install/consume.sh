@@ -1,17 +1,8 @@
 # Sourced: builds a program of this folder against an installed library, and runs it. The caller has
 # set `prefix`, where the library is, `work`, a folder of its own, and `qt`, the major version of Qt.
-# No program is told where the library's own libraries are, except by what is installed with them.
+# A program is told where the library is and not where that has its own libraries: it knows by itself.
 
-suffix= # Of what is for another version of Qt than the default.
-if [[ $qt != 5 ]]; then
-    suffix=-qt$qt
-fi
-
-fail()
-{
-    echo "$*" >&2
-    exit 1
-}
+source "$(dirname "${BASH_SOURCE[0]}")/names.sh"
 
 # with_cmake PROGRAM [cmake arguments]
 with_cmake()
@@ -39,8 +30,20 @@ with_pkgconfig()
     [[ $(pkg-config --modversion "$package") == 1.* ]] || fail "$package.pc tells no version"
     # Libraries stand behind what needs them; their dependencies are found beside them.
     ${CXX:-c++} -std=c++17 "$(dirname "${BASH_SOURCE[0]}")/$program/main.cpp" "${flags[@]}" \
-        -o "$build/$program"
-    LD_LIBRARY_PATH=$libdir run_program "$build/$program"
+        -Wl,-rpath,"$libdir" -o "$build/$program"
+    run_program "$build/$program"
+}
+
+# as_subdirectory SOURCE BUILD [cmake arguments]: a host with the library's sources among its own.
+as_subdirectory()
+{
+    local source=$1 build=$2
+    shift 2
+    rm -rf "$build"
+    cmake -S "$(dirname "${BASH_SOURCE[0]}")/subdirectory" -B "$build" -G Ninja \
+        -DSOURCE="$source" "$@"
+    cmake --build "$build"
+    prefix=$build run_program "$build/model"
 }
 
 # as_documented ROOT: the host that the pages in ROOT lead to. It would wait for somebody to close it.

@@ -4,17 +4,7 @@
 set -euo pipefail
 build=$1 source=$2 prefix=$3 qt=$4
 first=$prefix.first
-
-suffix= # Of what is for another version of Qt than the default.
-if [[ $qt != 5 ]]; then
-    suffix=-qt$qt
-fi
-
-fail()
-{
-    echo "$*" >&2
-    exit 1
-}
+source "$(dirname "${BASH_SOURCE[0]}")/names.sh"
 
 # Compares two lists, and shows what is missing (-) and what is too much (+).
 expect_same()
@@ -44,6 +34,12 @@ check_libraries()
     done
 }
 
+check_designer_plugin()
+{
+    [[ ! -e $build/plugins/designer/zrvomgui_designer.so ||
+        -e $libdir/qt$qt/plugins/designer/zrvomgui_designer.so ]] || fail "Qt Designer's plugin is missing"
+}
+
 # Whatever is loaded finds the other libraries beside it, and not where they were built.
 check_loading()
 {
@@ -70,6 +66,7 @@ libdir=${cmake_package%/cmake/*}
 
 expect_same <(public_headers) <(cd "$first/include${suffix:+/zrVOMGUI$suffix}" && find . -type f | sed 's,^\./,,' | sort) headers
 check_libraries
+check_designer_plugin
 check_names
 if grep -rIF -e "$first" -e "$build" -e "$source" "$first"; then
     fail "These name places of the machine that built them"
