@@ -46,13 +46,21 @@ QWidget *FormWidget::createWidget(QWidget *parent)
 
 QString FormWidget::domXml() const
 {
-    return QString("<ui language=\"c++\"><widget class=\"%1\" name=\"%2\">"
+    return QString("<ui language=\"c++\" displayname=\"%5\"><widget class=\"%1\" name=\"%2\">"
                    "<property name=\"geometry\"><rect><x>0</x><y>0</y>"
                    "<width>%3</width><height>%4</height></rect></property>"
                    "</widget></ui>")
         .arg(entry.className, entry.objectName)
         .arg(entry.size.width())
-        .arg(entry.size.height());
+        .arg(entry.size.height())
+        .arg(displayName());
+}
+
+// The list of widgets is narrow, and the namespaces that all have would leave the generations
+// alike.
+QString FormWidget::displayName() const
+{
+    return name().remove("ZR::VOM::GUI::");
 }
 
 } // namespace Designer

@@ -23,6 +23,8 @@ public:
     QString domXml() const override;
 
 private:
+    QString displayName() const;
+
     WidgetEntry const &entry; // Of the catalogue, which lives as long as the process.
 };
 

@@ -22,6 +22,7 @@ private slots:
     void introducesEachWidget();
     void makesWidgetsOfTheirSizes_data();
     void makesWidgetsOfTheirSizes();
+    void listsWidgetsUnderShortNames();
     void formLoadsEveryWidget();
     void formSetsProperties_data();
     void formSetsProperties();
@@ -227,6 +228,18 @@ void tst_DesignerPlugin::makesWidgetsOfTheirSizes()
     // Big enough for its contents, and for a hand that takes hold of it.
     QCOMPARE(expected, expected.expandedTo(widget->minimumSizeHint()));
     QCOMPARE(expected, expected.expandedTo(QSize(100, 24)));
+}
+
+void tst_DesignerPlugin::listsWidgetsUnderShortNames()
+{
+    QStringList names;
+    for (QDesignerCustomWidgetInterface *widget : widgets)
+        names << QRegularExpression("^<ui [^>]*displayname=\"([^\"]*)\"")
+                     .match(widget->domXml())
+                     .captured(1);
+    QCOMPARE(names, QStringList({"ObjectGraphView", "ObjectTreeView", "V2::ObjectTreeView",
+                                 "V1::ObjectTreeView", "ObjectView", "PathListView",
+                                 "FieldRealLineEdit"}));
 }
 
 void tst_DesignerPlugin::formLoadsEveryWidget()
