@@ -35,6 +35,9 @@ private slots:
     void referenceIsReadAsShown();
     void documentIsWrittenAsShown();
     void documentIsReadAsShown();
+    void idsStandInLinesAsTold();
+    void numbersAreReadAsShown_data();
+    void numbersAreReadAsShown();
 };
 
 namespace {
@@ -261,6 +264,74 @@ void tst_WireFormatsPage::documentIsReadAsShown()
     ZR::ErrorManager errors(log);
     const RefT<Object> again(new Clipboard(objects));
     QCOMPARE(QString::fromStdString(toXml(again, errors)), shownDocument());
+}
+
+void tst_WireFormatsPage::idsStandInLinesAsTold()
+{
+    static const QRegularExpression told("a line feed after each (\\d+)");
+    const int idsPerLine = told.match(page()).captured(1).toInt();
+    const RefT<Object> owner(new Object);
+    MFieldRef::Values parts;
+    for (int i = 0; i < 2 * idsPerLine + 1; ++i)
+        parts.emplace_back(new Object);
+    addField<MFieldRef>(*owner, "parts", parts);
+    ZR::Log log;
+    ZR::ErrorManager errors(log);
+    static const QRegularExpression list("<refs name=\"parts\">([^<]*)</refs>");
+    const QString ids = list.match(QString::fromStdString(toXml(owner, errors))).captured(1);
+    QList<int> lengths;
+    for (QString const &line : ids.split('\n'))
+        lengths << static_cast<int>(line.split(' ').size());
+    QCOMPARE(lengths, (QList<int>{idsPerLine, idsPerLine, 1}));
+}
+
+void tst_WireFormatsPage::numbersAreReadAsShown_data()
+{
+    QTest::addColumn<QString>("place");
+    QTest::addColumn<QString>("number");
+    QTest::addColumn<bool>("isRead");
+    static const QRegularExpression row("^\\| (`[^|]+) \\| ([^|]+) \\| ([^|]+) \\|$",
+                                        QRegularExpression::MultilineOption);
+    static const QRegularExpression code("`([^`]+)`");
+    const QString table = page().section("| Number | Read | Refused |", 1);
+    QRegularExpressionMatchIterator match = row.globalMatch(table);
+    while (match.hasNext()) {
+        const QRegularExpressionMatch cells = match.next();
+        for (QString const &place : withoutMarks(cells.captured(1)).split(", ")) {
+            for (int cell : {2, 3}) {
+                QRegularExpressionMatchIterator number = code.globalMatch(cells.captured(cell));
+                while (number.hasNext()) {
+                    const QString text = number.next().captured(1);
+                    QTest::addRow("%s: %s", qPrintable(place), qPrintable(text))
+                        << place << text << (cell == 2);
+                }
+            }
+        }
+    }
+}
+
+void tst_WireFormatsPage::numbersAreReadAsShown()
+{
+    QFETCH(QString, place);
+    QFETCH(QString, number);
+    QFETCH(bool, isRead);
+    const QMap<QString, QString> documents{
+        {"int", "<object id='1' class='ZR::VOM::Object'><int name='x'>%1</int></object>"},
+        {"real", "<object id='1' class='ZR::VOM::Object'><real name='x'>%1</real></object>"},
+        {"id", "<object id='%1' class='ZR::VOM::Object'/>"},
+        {"flags", "<object id='1' class='ZR::VOM::Object' flags='%1'/>"},
+        {"links", "<object id='1' class='ZR::VOM::Object'><ref name='x'>%1</ref></object>"
+                  "<object id='7' class='ZR::VOM::Object'/>"},
+    };
+    QVERIFY2(documents.contains(place), "a new row of the table?");
+    const RefT<ClassRegistry> registry(new ClassRegistry);
+    registry->add<Object>(ClassRegistry::Fields::Open);
+    for (QString const &text : {number, " \t\r\n" + number + " \t\r\n"}) {
+        const QString document = "<model version='1'>" + documents[place].arg(text) + "</model>";
+        ZR::Log log;
+        ZR::ErrorManager errors(log);
+        QCOMPARE(bool(fromXml(document.toStdString(), registry, errors)), isRead);
+    }
 }
 
 QTEST_MAIN(tst_WireFormatsPage)
