@@ -54,4 +54,18 @@ RefT<Xml::Importer> makeImporter()
 }
 //! [exchange]
 
+//! [showList]
+void showList(GUI::ObjectTreeView &tree, MFieldRef &list)
+{
+    for (RefT<Object> const &object : list.getAll())
+        tree.addRow(object, std::size_t(-1));
+    list.sigReplace.connect([&](MFieldRef::SigReplaceData const &sigData) {
+        for (std::size_t i = 0; i < sigData.numOld; ++i)
+            tree.removeRow(sigData.index);
+        for (std::size_t i = sigData.index; i < sigData.end; ++i)
+            tree.addRow(list.get(i), i);
+    });
+}
+//! [showList]
+
 } // namespace Example

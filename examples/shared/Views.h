@@ -2,8 +2,10 @@
 
 #include <zrVOMGUI/foundation/vom/Exporter.h>
 #include <zrVOMGUI/foundation/vom/Importer.h>
+#include <zrVOMGUI/foundation/vom/MField.h>
 #include <zrVOMGUI/foundation/vom/Path.h>
 #include <zrVOMGUI/presentation/ObjectIconDB.h>
+#include <zrVOMGUI/trees/ObjectTreeView.h>
 
 #include <Qt>
 
@@ -27,6 +29,10 @@ inline auto const &dropped(Qt::DropAction action,
     return action == Qt::CopyAction && !copies.empty() ? copies : objs;
 }
 //! [dropped]
+
+/// Makes the objects of a list the top rows of a tree, also when the list changes. The tree must
+/// live as long as it does so.
+void showList(ZR::VOM::GUI::ObjectTreeView &tree, ZR::VOM::MFieldRef &list);
 
 //! [openRows]
 /// Opens the rows that paths lead to, each after those that it lies in. They are selected then.

@@ -67,13 +67,7 @@ int main(int argc, char **argv)
     people->setObjIconDB(Example::makeIcons());
     people->setNameField("name");
     people->setTypeName(false);
-    for (RefT<Object> const &person : Example::listOf(project, "people"))
-        people->addRow(person, std::size_t(-1));
-    auto *const list = cast<MFieldRef>(project->findField("people"));
-    list->sigReplace.connect([=](auto const &change) {
-        for (std::size_t i = change.index; i < change.end; ++i)
-            people->addRow(list->get(i), i);
-    });
+    Example::showList(*people, *cast<MFieldRef>(project->findField("people")));
 
     auto *const layout = new QFormLayout(&form);
     layout->addRow("Worker", slot);
