@@ -101,9 +101,9 @@ public:
         const auto length = [](QScrollBar const &bar) {
             return bar.maximum() - bar.minimum() + bar.pageStep();
         };
-        // Links may run beyond the nodes.
-        constexpr int linkMargin = 8;
-        resize(std::max(length(*horizontalScrollBar()), getLayoutFigures().width + linkMargin),
+        // Links may run beyond the nodes, of which alone the scroll bars tell.
+        constexpr int linkMargin = 8; // On either side.
+        resize(std::max(length(*horizontalScrollBar()), getLayoutFigures().width + 2 * linkMargin),
                length(*verticalScrollBar()));
         grab();
     }

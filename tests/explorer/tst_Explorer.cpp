@@ -10,6 +10,7 @@ class tst_Explorer : public QObject {
 private slots:
     void shootsEveryPicture();
     void picturesAreTheSameEachTime();
+    void pagesShowPicturesOfIt();
     void folderIsMadeIfNeedBe();
     void folderThatCannotBeIsAnError();
     void noDisplayIsSaid();
@@ -109,6 +110,14 @@ void tst_Explorer::picturesAreTheSameEachTime()
     // Ties in a layout are broken by address: only what comes first has the same ones for certain.
     for (char const *name : {"graph-start.png", "graph-dark.png", "graph-disabled.png"})
         QVERIFY2(QImage(one.filePath(name)) == QImage(two.filePath(name)), name);
+}
+
+void tst_Explorer::pagesShowPicturesOfIt()
+{
+    // Those of the examples have a test of their own. What these show isn't compared: ties in a
+    // layout would have to be the same on all machines.
+    for (QString const &name : QDir(DOCS_PICTURES).entryList({"*.png"}, QDir::Files))
+        QVERIFY2(name.startsWith("example-") || pictures.contains(name), qPrintable(name));
 }
 
 void tst_Explorer::folderIsMadeIfNeedBe()
