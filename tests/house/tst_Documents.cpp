@@ -1,7 +1,9 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QProcess>
 #include <QRegularExpression>
+#include <QSet>
 #include <QTest>
 
 class tst_Documents : public QObject {
@@ -11,13 +13,20 @@ private slots:
     void deadLinksAreFound();
     void linksLeadSomewhere_data();
     void linksLeadSomewhere();
+    void headingsHaveTheAnchorsOfGitHub_data();
+    void headingsHaveTheAnchorsOfGitHub();
+    void everyPictureIsShown();
     void regionsAreFound();
     void shownCodeIsCompiled_data();
     void shownCodeIsCompiled();
     void markedRegionsAreShown();
+    void shownSourcesAreBuilt();
     void readmeShowsTheMinimalHost();
-    void readmesCommandsAreThere_data();
-    void readmesCommandsAreThere();
+    void minimalHostIsShort();
+    void commandsAreFound();
+    void commandsAreThere_data();
+    void commandsAreThere();
+    void readmeNamesEveryExample();
 };
 
 namespace {
@@ -34,18 +43,52 @@ const QRegularExpression fencedCode("^```(\\w*)\\n(.*?)^```$",
                                     QRegularExpression::MultilineOption |
                                         QRegularExpression::DotMatchesEverythingOption);
 
-// The targets of a page's links and pictures that name no file; `folder` is where the page lies.
-QStringList deadLinks(QString page, QDir const &folder)
+// What GitHub makes of a heading, to link to it.
+QString anchorOf(QString heading)
+{
+    static const QRegularExpression link("\\[([^\\]]*)\\]\\([^)]*\\)");
+    static const QRegularExpression lost("[^\\w\\- ]",
+                                         QRegularExpression::UseUnicodePropertiesOption);
+    return heading.replace(link, "\\1").toLower().remove(lost).replace(' ', '-');
+}
+
+QSet<QString> anchorsOf(QString page)
+{
+    static const QRegularExpression heading("^#+ +(.*?) *$", QRegularExpression::MultilineOption);
+    page.remove(fencedCode);
+    QSet<QString> anchors;
+    QMap<QString, int> numOfAName;
+    QRegularExpressionMatchIterator match = heading.globalMatch(page);
+    while (match.hasNext()) {
+        const QString anchor = anchorOf(match.next().captured(1));
+        const int numBefore = numOfAName[anchor]++;
+        anchors << (numBefore == 0 ? anchor : QString("%1-%2").arg(anchor).arg(numBefore));
+    }
+    return anchors;
+}
+
+// The targets of a page's links and pictures that name no file, or no heading of a page; `folder`
+// is where the page lies.
+QStringList deadLinks(QString const &page, QDir const &folder)
 {
     static const QRegularExpression inlineCode("`[^`\\n]*`");
-    static const QRegularExpression link("\\]\\(([^)#\\s]+)[^)]*\\)");
-    page.remove(fencedCode).remove(inlineCode);
+    static const QRegularExpression link("\\]\\(([^)#\\s]*)(?:#([^)\\s]*))?[^)]*\\)");
+    QString text = page;
+    text.remove(fencedCode).remove(inlineCode);
     QStringList dead;
-    QRegularExpressionMatchIterator match = link.globalMatch(page);
+    QRegularExpressionMatchIterator match = link.globalMatch(text);
     while (match.hasNext()) {
-        const QString target = match.next().captured(1);
-        if (!target.contains("://") && !QFile::exists(folder.filePath(target)))
+        const QRegularExpressionMatch found = match.next();
+        const QString target = found.captured(1), anchor = found.captured(2);
+        if (target.contains("://"))
+            continue;
+        const QString path = folder.filePath(target);
+        const bool isPage = target.isEmpty() || target.endsWith(".md");
+        if (!QFile::exists(path))
             dead << target;
+        else if (isPage && !anchor.isEmpty() &&
+                 !anchorsOf(target.isEmpty() ? page : read(path)).contains(anchor))
+            dead << target + '#' + anchor;
     }
     return dead;
 }
@@ -98,16 +141,24 @@ QMap<QString, QString> regionsOf(QString const &source)
     return regions;
 }
 
-// The sources whose code pages may show: the build compiles all of them.
+// The files of sources whose code pages may show.
+QStringList shownFiles(QStringList const &patterns)
+{
+    QStringList files;
+    for (char const *folder : {"examples", "tests/docs"}) {
+        QDirIterator iterator(root.filePath(folder), patterns, QDir::Files,
+                              QDirIterator::Subdirectories);
+        while (iterator.hasNext())
+            files << iterator.next();
+    }
+    return files;
+}
+
 QStringList shownSources()
 {
     QStringList sources;
-    for (char const *folder : {"examples", "tests/docs"}) {
-        QDirIterator iterator(root.filePath(folder), {"*.h", "*.cpp"}, QDir::Files,
-                              QDirIterator::Subdirectories);
-        while (iterator.hasNext())
-            sources << read(iterator.next());
-    }
+    for (QString const &file : shownFiles({"*.h", "*.cpp"}))
+        sources << read(file);
     return sources;
 }
 
@@ -119,19 +170,58 @@ QStringList pagesWithCode()
     return pages;
 }
 
+// The commands that a page names: `./run minimal` as {"run", "minimal"}, and each of those that it
+// goes on with, such as in "`./run graph`, `tree` and `slot`".
+QList<QStringList> commandsOf(QString const &page)
+{
+    static const QRegularExpression command("(?:`|^)\\./(run|test)\\b *([^`#\\n]*)",
+                                            QRegularExpression::MultilineOption);
+    static const QRegularExpression next("\\G`(?:,|,?\\s+and|,?\\s+or)\\s+`([\\w-]+)(?=`)");
+    QList<QStringList> commands;
+    QRegularExpressionMatchIterator match = command.globalMatch(page);
+    while (match.hasNext()) {
+        QRegularExpressionMatch found = match.next();
+        const QString script = found.captured(1);
+        const QStringList words = found.captured(2).simplified().split(' ');
+        commands << (QStringList(script) + words);
+        while (words.size() == 1) {
+            found = next.match(page, found.capturedEnd());
+            if (!found.hasMatch())
+                break;
+            commands << QStringList{script, found.captured(1)};
+        }
+    }
+    return commands;
+}
+
+// What ./run and ./test say of themselves.
+QString helpOf(QString const &script)
+{
+    QProcess process;
+    process.start(root.filePath(script), {"--help"});
+    return process.waitForFinished() ? QString::fromUtf8(process.readAll()) : QString();
+}
+
+bool isExample(QString const &name)
+{
+    return !name.isEmpty() && QFile::exists(root.filePath("examples/" + name + "/main.cpp"));
+}
+
 } // namespace
 
 void tst_Documents::deadLinksAreFound()
 {
-    const QString page =
-        "[there](README.md), [a part of it](README.md#building) and [gone](GONE.md)\n"
-        "![no picture](docs/none.png) [elsewhere](https://example.org/none)\n"
-        "[within this page](#here) `[](code)`\n"
-        "```cpp\n"
-        "auto f = [](auto x) { return x; };\n"
-        "```\n"
-        "[after the code](src/gone#part)\n";
-    QCOMPARE(deadLinks(page, root), (QStringList{"GONE.md", "docs/none.png", "src/gone"}));
+    const QString page = "[there](README.md), [a part of it](README.md#forms) and [gone](GONE.md)\n"
+                         "![no picture](docs/none.png) [elsewhere](https://example.org/none)\n"
+                         "[within this page](#within), [not there](#nowhere) `[](code)`\n"
+                         "[its part](docs/model.md#xml), [none of it](docs/model.md#no-part)\n"
+                         "### Within\n"
+                         "```cpp\n"
+                         "auto f = [](auto x) { return x; };\n"
+                         "```\n"
+                         "[after the code](src/gone#part)\n";
+    QCOMPARE(deadLinks(page, root), (QStringList{"GONE.md", "docs/none.png", "#nowhere",
+                                                 "docs/model.md#no-part", "src/gone"}));
     QCOMPARE(deadLinks("[there](../README.md)", QDir(root.filePath("docs"))), QStringList());
 }
 
@@ -154,6 +244,42 @@ void tst_Documents::linksLeadSomewhere()
     QFETCH(QString, page);
     const QDir folder = QFileInfo(root.filePath(page)).dir();
     QCOMPARE(deadLinks(read(page), folder).join(' '), QString());
+}
+
+void tst_Documents::headingsHaveTheAnchorsOfGitHub_data()
+{
+    QTest::addColumn<QString>("page");
+    QTest::addColumn<QStringList>("anchors");
+    const auto row = [](char const *name, char const *page, QStringList const &anchors) {
+        QTest::newRow(name) << QString::fromUtf8(page) << anchors;
+    };
+    row("words", "# Install and link\n", {"install-and-link"});
+    row("signs and code", "## `V1::ObjectTreeView` (the *first*), or_so\n",
+        {"v1objecttreeview-the-first-or_so"});
+    row("a dash keeps its blanks", "## What - and why\n", {"what---and-why"});
+    row("letters of all languages", "## F\u00FCr \u00C4pfel\n",
+        {QString::fromUtf8("f\u00FCr-\u00E4pfel")});
+    row("a link", "## See [the page](there.md#part)\n", {"see-the-page"});
+    row("the same again", "# Part\n## Part\n# Part\n", {"part", "part-1", "part-2"});
+    row("none in code", "```sh\n# a comment\n```\n", {});
+}
+
+void tst_Documents::headingsHaveTheAnchorsOfGitHub()
+{
+    QFETCH(QString, page);
+    QFETCH(QStringList, anchors);
+    QStringList found = anchorsOf(page).values();
+    found.sort();
+    QCOMPARE(found, anchors);
+}
+
+void tst_Documents::everyPictureIsShown()
+{
+    QString pages;
+    for (QString const &page : pagesWithCode())
+        pages += read(page);
+    for (QString const &picture : QDir(root.filePath("docs/pictures")).entryList(QDir::Files))
+        QVERIFY2(pages.contains("pictures/" + picture + ')'), qPrintable(picture));
 }
 
 void tst_Documents::regionsAreFound()
@@ -202,26 +328,78 @@ void tst_Documents::markedRegionsAreShown()
     }
 }
 
+void tst_Documents::shownSourcesAreBuilt()
+{
+    for (QString const &file : shownFiles({"*.cpp"})) {
+        const QFileInfo source(file);
+        // The build finds the examples by themselves.
+        if (source.fileName() == "main.cpp" && isExample(source.dir().dirName()))
+            continue;
+        const QRegularExpression name("\\b" + source.completeBaseName() + "\\b");
+        QVERIFY2(read(source.dir().filePath("CMakeLists.txt")).contains(name), qPrintable(file));
+    }
+}
+
 void tst_Documents::readmeShowsTheMinimalHost()
 {
     QCOMPARE(codeOf(read("README.md")), QStringList(read("examples/minimal/main.cpp")));
 }
 
-void tst_Documents::readmesCommandsAreThere_data()
+void tst_Documents::minimalHostIsShort()
 {
-    QTest::addColumn<QString>("command");
-    static const QRegularExpression command("^(\\./\\S+)", QRegularExpression::MultilineOption);
-    QRegularExpressionMatchIterator match = command.globalMatch(read("README.md"));
-    while (match.hasNext()) {
-        const QString name = match.next().captured(1);
-        QTest::newRow(qPrintable(name)) << name;
-    }
+    QVERIFY(read("examples/minimal/main.cpp").count('\n') < 40);
 }
 
-void tst_Documents::readmesCommandsAreThere()
+void tst_Documents::commandsAreFound()
 {
-    QFETCH(QString, command);
-    QVERIFY(QFileInfo(root.filePath(command)).isExecutable());
+    const QString page = "Call `./run graph`, `tree-v1` and `slot`, or\n"
+                         "`./run bench layout FILE...`, and `not` that.\n"
+                         "```sh\n"
+                         "./test      # all\n"
+                         "./test --quick\n"
+                         "```\n"
+                         "See `./running` and `a/run`.\n";
+    QCOMPARE(commandsOf(page), (QList<QStringList>{{"run", "graph"},
+                                                   {"run", "tree-v1"},
+                                                   {"run", "slot"},
+                                                   {"run", "bench", "layout", "FILE..."},
+                                                   {"test", ""},
+                                                   {"test", "--quick"}}));
+}
+
+void tst_Documents::commandsAreThere_data()
+{
+    QTest::addColumn<QStringList>("command");
+    for (QString const &page : pagesWithCode())
+        for (QStringList const &command : commandsOf(read(page)))
+            QTest::addRow("%s: %s", qPrintable(page), qPrintable(command.join(' ').trimmed()))
+                << command;
+}
+
+void tst_Documents::commandsAreThere()
+{
+    QFETCH(QStringList, command);
+    const QString script = command[0], first = command[1], second = command.value(2);
+    QVERIFY(QFileInfo(root.filePath(script)).isExecutable());
+    const QString help = helpOf(script);
+    QVERIFY(!help.isEmpty());
+    if (script == "run" && isExample(first))
+        return;
+    const QRegularExpression told("^\\./" + script + ' ' + QRegularExpression::escape(first) +
+                                      "(?![\\w-])",
+                                  QRegularExpression::MultilineOption);
+    QVERIFY2(first.isEmpty() || help.contains(told), qPrintable(help));
+    if (first == "bench" || first == "fuzz")
+        QVERIFY(QFile::exists(root.filePath(first + '/' + second + ".cpp")));
+}
+
+void tst_Documents::readmeNamesEveryExample()
+{
+    const QList<QStringList> commands = commandsOf(read("README.md"));
+    for (QString const &name :
+         QDir(root.filePath("examples")).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+        if (isExample(name) && name != "explorer") // Which ./run opens by itself.
+            QVERIFY2(commands.contains(QStringList{"run", name}), qPrintable(name));
 }
 
 QTEST_GUILESS_MAIN(tst_Documents)
