@@ -3,7 +3,10 @@
 #include "zrVOMGUI/foundation/gui/QtTranslation.h"
 #include "zrVOMGUI/graph/ObjectGraphView.h"
 #include "zrVOMGUI/trees/ObjectTreeView.h"
+#include "zrVOMGUI/trees/v1/ObjectTreeView.h"
+#include "zrVOMGUI/trees/v2/ObjectTreeView.h"
 #include "zrVOMGUI/widgets/ObjectView.h"
+#include "zrVOMGUI/widgets/PathListView.h"
 
 #include <QApplication>
 #include <QFile>
@@ -20,15 +23,25 @@ namespace Explorer {
 
 namespace {
 
+namespace GUI = ZR::VOM::GUI;
+
 //! [relabel]
 /// Has all labels made anew, which views do when the model or a setting changes.
 template <class View>
-void relabel(QWidget const &window)
+void relabel(QWidget *widget)
 {
-    for (View *const view : window.findChildren<View *>()) {
+    if (auto *const view = qobject_cast<View *>(widget)) {
         view->setTypeName(!view->isTypeName());
         view->setTypeName(!view->isTypeName());
     }
+}
+
+/// A list of paths does so when it is given paths.
+template <>
+void relabel<GUI::PathListView>(QWidget *widget)
+{
+    if (auto *const list = qobject_cast<GUI::PathListView *>(widget))
+        list->set(std::vector<ZR::VOM::Path>(list->get()));
 }
 //! [relabel]
 
@@ -71,10 +84,13 @@ void setGerman(bool german)
     else
         QCoreApplication::removeTranslator(catalogue);
 
-    for (QWidget *const window : QApplication::topLevelWidgets()) {
-        relabel<ZR::VOM::GUI::ObjectGraphView>(*window);
-        relabel<ZR::VOM::GUI::ObjectTreeView>(*window);
-        relabel<ZR::VOM::GUI::ObjectView>(*window);
+    for (QWidget *const widget : QApplication::allWidgets()) {
+        relabel<GUI::ObjectGraphView>(widget);
+        relabel<GUI::ObjectTreeView>(widget);
+        relabel<GUI::V2::ObjectTreeView>(widget);
+        relabel<GUI::V1::ObjectTreeView>(widget);
+        relabel<GUI::ObjectView>(widget);
+        relabel<GUI::PathListView>(widget);
     }
     //! [translation]
 }

@@ -1,13 +1,20 @@
 #include "Language.h"
 
 #include "zrVOMGUI/foundation/util/text.h"
+#include "zrVOMGUI/graph/ObjectGraphView.h"
 #include "zrVOMGUI/trees/ObjectTreeView.h"
+#include "zrVOMGUI/trees/v1/ObjectTreeView.h"
+#include "zrVOMGUI/trees/v2/ObjectTreeView.h"
+#include "zrVOMGUI/widgets/ObjectView.h"
+#include "zrVOMGUI/widgets/PathListView.h"
 
 #include <QApplication>
 #include <QDirIterator>
 #include <QFile>
 #include <QRegularExpression>
 #include <QTest>
+
+#include <memory>
 
 using namespace ZR::VOM;
 using ZR::RefT;
@@ -22,7 +29,10 @@ private slots:
     void catalogueHasNothingElse();
     void otherContextsAreNotItsAffair();
     void libraryReadsInGerman();
+    void shownLabelsFollow_data();
     void shownLabelsFollow();
+    void openRowsStayOpen_data();
+    void openRowsStayOpen();
 };
 
 namespace {
@@ -56,6 +66,70 @@ QStringList placesIn(QString const &text)
         places << match.next().captured();
     places.sort();
     return places;
+}
+
+/// A house with a door.
+RefT<Object> makeHouse()
+{
+    const RefT<Object> house(new Object), door(new Object);
+    addField<FieldString>(*house, "name", "house");
+    addField<FieldRef>(*house, "part", door);
+    addField<FieldString>(*door, "name", "door");
+    return house;
+}
+
+template <class Tree>
+std::unique_ptr<QAbstractScrollArea> makeTree(RefT<Object> const &house)
+{
+    auto tree = std::make_unique<Tree>();
+    if constexpr (std::is_same_v<Tree, GUI::V1::ObjectTreeView>)
+        tree->setFieldName("name");
+    else
+        tree->setNameField("name");
+    tree->addRow(house, 0);
+    return tree;
+}
+
+/// What shows the house, by its class.
+std::unique_ptr<QWidget> makeWidget(QByteArray const &name, RefT<Object> const &house)
+{
+    if (name == "ObjectTreeView")
+        return makeTree<GUI::ObjectTreeView>(house);
+    if (name == "V2::ObjectTreeView")
+        return makeTree<GUI::V2::ObjectTreeView>(house);
+    if (name == "V1::ObjectTreeView")
+        return makeTree<GUI::V1::ObjectTreeView>(house);
+    if (name == "ObjectGraphView") {
+        auto graph = std::make_unique<GUI::ObjectGraphView>();
+        graph->animDuration.set(0);
+        graph->setFieldName("name");
+        graph->add({house}, false);
+        graph->setVisible({house}, true);
+        return graph;
+    }
+    if (name == "ObjectView") {
+        auto slot = std::make_unique<GUI::ObjectView>();
+        slot->setFieldName("name");
+        slot->setValue(house);
+        return slot;
+    }
+    auto list = std::make_unique<GUI::PathListView>();
+    list->setFieldName("name");
+    list->set({Path(*house)});
+    return list;
+}
+
+/// Once nothing moves any more.
+QImage pictureOf(QWidget &widget)
+{
+    widget.resize(300, 100);
+    QImage last, now = widget.grab().toImage();
+    while (last != now) {
+        QTest::qWait(40);
+        last = now;
+        now = widget.grab().toImage();
+    }
+    return now;
 }
 
 constexpr char germanFile[] = ZRVOMGUI_SOURCE_DIR "/examples/translations/zrVOMGUI_de.ts";
@@ -109,26 +183,51 @@ void tst_Language::libraryReadsInGerman()
     QCOMPARE(ZR::getLocText(text), "void");
 }
 
+void tst_Language::shownLabelsFollow_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    for (char const *name : {"ObjectGraphView", "ObjectTreeView", "V2::ObjectTreeView",
+                             "V1::ObjectTreeView", "ObjectView", "PathListView"})
+        QTest::newRow(name) << QByteArray(name);
+}
+
 void tst_Language::shownLabelsFollow()
 {
-    const RefT<Object> house(new Object);
-    addField<FieldString>(*house, "name", "house");
-    QWidget window;
-    GUI::ObjectTreeView tree(&window);
-    tree.setNameField("name");
-    tree.setTypeName(false);
-    tree.addRow(house, 0);
-    tree.setSel({Path(*house)});
-    const auto shown = [&tree] {
-        tree.grab(); // Rows are made up when they come into sight.
-        return tree.getSel().front()->getText();
-    };
-    QCOMPARE(shown(), QString("'house'"));
+    QFETCH(QByteArray, name);
+    const RefT<Object> house = makeHouse();
+    const std::unique_ptr<QWidget> widget = makeWidget(name, house);
+    const bool typeName = widget->property("typeName").toBool();
+    const QImage english = pictureOf(*widget);
     Explorer::setGerman(true);
-    QCOMPARE(shown(), QString::fromUtf8("\u201Ehouse\u201C"));
+    const QImage german = pictureOf(*widget);
+    const QImage ofGermanOne = pictureOf(*makeWidget(name, house));
     Explorer::setGerman(false);
-    QCOMPARE(shown(), QString("'house'"));
-    QVERIFY(!tree.isTypeName());
+    QVERIFY(german != english);
+    QVERIFY(german == ofGermanOne);
+    QVERIFY(pictureOf(*widget) == english);
+    QCOMPARE(widget->property("typeName").toBool(), typeName);
+}
+
+void tst_Language::openRowsStayOpen_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    for (char const *name : {"ObjectTreeView", "V2::ObjectTreeView", "V1::ObjectTreeView"})
+        QTest::newRow(name) << QByteArray(name);
+}
+
+void tst_Language::openRowsStayOpen()
+{
+    QFETCH(QByteArray, name);
+    const RefT<Object> house = makeHouse();
+    const std::unique_ptr<QWidget> tree = makeWidget(name, house);
+    const QImage closed = pictureOf(*tree);
+    for (Qt::Key key : {Qt::Key_Home, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right})
+        QTest::keyClick(tree.get(), key);
+    const QImage open = pictureOf(*tree);
+    QVERIFY(open != closed);
+    for (bool german : {true, false})
+        Explorer::setGerman(german);
+    QVERIFY(pictureOf(*tree) == open);
 }
 
 QTEST_MAIN(tst_Language)
