@@ -37,17 +37,19 @@ private slots:
 
 namespace {
 
-/// The library's texts: default texts by their keys.
+/// The texts of the library and of the plugin for Qt Designer: default texts by their keys.
 QMap<QString, QString> libraryTexts()
 {
-    static const QRegularExpression text("\"\\[(ZR::[\\w:]+)\\]([^\"]*)\"");
+    static const QRegularExpression text("\"\\[(\\w+(?:::\\w+)+)\\]([^\"]*)\"");
+    static const QRegularExpression lineBreak("\"\\s*\\n\\s*\"");
     QMap<QString, QString> texts;
     QDirIterator iterator(ZRVOMGUI_SOURCE_DIR "/src", {"*.h", "*.cpp"}, QDir::Files,
                           QDirIterator::Subdirectories);
     while (iterator.hasNext()) {
         QFile file(iterator.next());
         file.open(QIODevice::ReadOnly);
-        QRegularExpressionMatchIterator match = text.globalMatch(QString::fromUtf8(file.readAll()));
+        const QString source = QString::fromUtf8(file.readAll()).remove(lineBreak);
+        QRegularExpressionMatchIterator match = text.globalMatch(source);
         while (match.hasNext()) {
             const QRegularExpressionMatch found = match.next();
             texts[found.captured(1)] = found.captured(2);
