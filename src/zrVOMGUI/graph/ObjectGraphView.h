@@ -66,12 +66,22 @@ class ZRVOMGUI_EXPORT ObjectGraphView : public QAbstractScrollArea, public ZR::O
     Q_PROPERTY(QString fieldTooltip READ readFieldTooltip WRITE writeFieldTooltip)
     Q_PROPERTY(bool tooltip READ readTooltip WRITE writeTooltip)
     Q_PROPERTY(double animDuration READ readAnimDuration WRITE writeAnimDuration)
+    // Colours that code has set go back to their defaults when the style changes, unless the
+    // application has a style sheet.
+    /// The background at the top, from where it goes over to colorBg1. A disabled view has the
+    /// palette's window colour there.
     Q_PROPERTY(QColor colorBg0 READ colorBg0 WRITE writeColorBg0)
+    /// The background at the bottom.
     Q_PROPERTY(QColor colorBg1 READ colorBg1 WRITE writeColorBg1)
+    /// The inside of a box that isn't selected.
     Q_PROPERTY(QColor colorBaseNode READ colorBaseNode WRITE writeColorBaseNode)
+    /// The label of every box.
     Q_PROPERTY(QColor colorTextNode READ colorTextNode WRITE writeColorTextNode)
+    /// The inside of a selected box.
     Q_PROPERTY(QColor colorSelNode READ colorSelNode WRITE writeColorSelNode)
+    /// The frame of a box that isn't selected.
     Q_PROPERTY(QColor colorRectNode READ colorRectNode WRITE writeColorRectNode)
+    /// The frame of a selected box.
     Q_PROPERTY(QColor colorRectSelNode READ colorRectSelNode WRITE writeColorRectSelNode)
 
 public:
