@@ -16,6 +16,7 @@ void useFixedLooks()
     font.setPixelSize(12);
     font.setHintingPreference(QFont::PreferNoHinting);
     QApplication::setFont(font);
+    QApplication::setCursorFlashTime(0); // Always there, whenever the picture is taken.
 }
 
 void shoot(QString const &file)
