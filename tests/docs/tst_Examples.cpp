@@ -38,15 +38,11 @@ QString pictureOf(QString const &name)
     return "example-" + name + ".png";
 }
 
-/// The pictures of which an example may draw either. Two where a layout has ties, which are broken
-/// by address: addresses aren't the same from run to run.
-QStringList keptPicturesOf(QString const &name)
+/// Text and frames look a little different with Qt 6. Ties in a graph's layout are broken by
+/// address, and addresses aren't the same from run to run: there are several drawings.
+bool canBeCompared(QString const &name)
 {
-    QStringList paths = {keptPictures.filePath(pictureOf(name))};
-    const QString other = root.filePath("tests/docs/pictures/" + pictureOf(name));
-    if (QFile::exists(other))
-        paths << other;
-    return paths;
+    return QT_VERSION < QT_VERSION_CHECK(6, 0, 0) && name != "graph";
 }
 
 bool isNearly(QRgb a, QRgb b)
@@ -142,22 +138,17 @@ void tst_Examples::showsItsWidget()
     QVERIFY(!drawn.isNull());
     QVERIFY(countColours(drawn) > 16); // Text, at least.
 
-    QString failure;
-    for (QString const &path : keptPicturesOf(name)) {
-        const QImage kept(path);
-        QVERIFY2(!kept.isNull(), qPrintable("There is no " + path));
-#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-        // Text and frames look a little different there.
-        QCOMPARE(drawn.size(), kept.size());
+    const QString keptPath = keptPictures.filePath(pictureOf(name));
+    const QImage kept(keptPath);
+    QVERIFY2(!kept.isNull(), qPrintable("There is no " + keptPath));
+    QCOMPARE(drawn.size(), kept.size());
+    if (!canBeCompared(name))
         return;
-#else
-        const QString difference = differenceOf(drawn, kept);
-        if (difference.isEmpty())
-            return;
-        failure += QString("%1 isn't %2: %3\n").arg(run.picture, path, difference);
-#endif
-    }
-    QFAIL(qPrintable(failure + "Look at it. If it is as it should be, copy it there."));
+    const QString difference = differenceOf(drawn, kept);
+    QVERIFY2(
+        difference.isEmpty(),
+        qPrintable(QString("%1 isn't %2: %3. Look at it. If it is as it should be, copy it there.")
+                       .arg(run.picture, keptPath, difference)));
 }
 
 void tst_Examples::everyPictureHasItsExample()
