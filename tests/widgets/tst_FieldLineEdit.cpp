@@ -3,8 +3,8 @@
 #include "zrVOMGUI/widgets/FieldWidgets.h"
 
 #include <QPointer>
-#include <QVBoxLayout>
 #include <QTest>
+#include <QVBoxLayout>
 
 #include <cmath>
 #include <iomanip>
