@@ -62,10 +62,11 @@ install_packages()
     quietly "${apt[@]}" install --no-install-recommends "${missing[@]}"
 }
 
-# One compiler cache for all clones, in the user's home if there is one.
+# One compiler cache for all clones, in the user's home if there is one. In which language the compiler
+# warns makes no other program of it: tests, which have their own, build with the same cache.
 use_compiler_cache()
 {
-    export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
+    export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=locale
     if [[ -z ${CCACHE_DIR:-} ]] && ! mkdir -p "${HOME:-/nonexistent}/.cache/ccache" 2>/dev/null; then
         export CCACHE_DIR=$root/build/ccache
     fi
