@@ -2,6 +2,7 @@
 #include "support/Things.h"
 #include "zrVOMGUI/widgets/FieldWidgets.h"
 
+#include <QElapsedTimer>
 #include <QTest>
 
 #include <algorithm>
@@ -194,6 +195,11 @@ private slots:
     void unheardAdditionBeforeAnotherOneIsTold();
     void refusedRemovalLeavesTheField();
     void fieldThatIsLeavingIsntTakenAgain();
+    void fieldThatLeavesAfterAnotherIsntTakenAgain_data();
+    void fieldThatLeavesAfterAnotherIsntTakenAgain();
+    void unheardAdditionAfterARemovalIsFoundByTheNext();
+    void unheardAdditionDuringARemovalIsSetAndNotMadeAgain();
+    void leavingFieldOfANewBindingIsForgotten();
     void refusedCreationsDontPileUp();
     void objectGetsNoMoreThanOneFieldOnDemand();
     void dyingObjectIsAbsentOnceItIsDead();
@@ -221,6 +227,7 @@ private slots:
     void manyObjectsTakeOneUpdate();
     void manyChangesTakeFewComparisons_data();
     void manyChangesTakeFewComparisons();
+    void manyUnrelatedChangesTakeNoTime();
 };
 
 // The list.
@@ -847,6 +854,77 @@ void tst_FieldManager::fieldThatIsLeavingIsntTakenAgain()
     QCOMPARE(bound.manager.getFieldCount(), std::size_t(1));
 }
 
+void tst_FieldManager::fieldThatLeavesAfterAnotherIsntTakenAgain_data()
+{
+    QTest::addColumn<bool>("updates");
+    QTest::newRow("and nobody asks") << false;
+    QTest::newRow("and a host asks meanwhile") << true;
+}
+
+void tst_FieldManager::fieldThatLeavesAfterAnotherIsntTakenAgain()
+{
+    QFETCH(bool, updates);
+    const Things objects = makeSizeds({1});
+    FieldReal &weight = addField<FieldReal>(*objects[0], "weight", 1.0);
+    Bound bound(objects);
+    removeField(*objects[0], weight);
+    if (updates)
+        objects[0]->sigRemoveField.connect([&](auto const &) { bound.manager.update(); });
+    removeField(*objects[0], sizeOf(objects[0]));
+    QCOMPARE(bound.log.take(), QString(updates ? "0 0, 0 0" : "0 0"));
+    QCOMPARE(bound.manager.getFieldCount(), std::size_t(0));
+}
+
+void tst_FieldManager::unheardAdditionAfterARemovalIsFoundByTheNext()
+{
+    const Things objects = makeSizeds({1});
+    bool isFirst = true;
+    // The outer emission ends with the inner one.
+    objects[0]->sigAddField.connect([&](auto const &) {
+        if (std::exchange(isFirst, false))
+            addField<FieldReal>(*objects[0], "weight", 1.0);
+    });
+    Bound bound(objects);
+    removeField(*objects[0], sizeOf(objects[0]));
+    QCOMPARE(bound.log.take(), QString("0 0"));
+    addField<FieldReal>(*objects[0], "size", 3.0);
+    QCOMPARE(bound.log.take(), QString("1 3"));
+}
+
+void tst_FieldManager::unheardAdditionDuringARemovalIsSetAndNotMadeAgain()
+{
+    const Things objects = makeSizeds({1});
+    FieldReal &weight = addField<FieldReal>(*objects[0], "weight", 1.0);
+    objects[0]->sigAddField.connect([](auto const &) { throw ZR::Error("no"); });
+    Bound bound(objects);
+    bool isFirst = true;
+    objects[0]->sigRemoveField.connect([&](auto const &) {
+        if (!std::exchange(isFirst, false))
+            return;
+        removeField(*objects[0], sizeOf(objects[0]));
+        QVERIFY_EXCEPTION_THROWN(addField<FieldReal>(*objects[0], "size", 2.0), ZR::Error);
+        bound.manager.set(3, true);
+    });
+    removeField(*objects[0], weight);
+    QCOMPARE(bound.log.take(), QString("0 0, 1 3"));
+    QCOMPARE(objects[0]->getNumFields(), std::size_t(1));
+    QCOMPARE(sizeOf(objects[0]).get(), 3.0);
+}
+
+/// It is bound too late to hear that the field goes.
+void tst_FieldManager::leavingFieldOfANewBindingIsForgotten()
+{
+    const Things objects = makeSizeds({1, 2});
+    const RefT<Field> kept(sizeOf(objects[0]));
+    Bound bound({});
+    objects[0]->sigRemoveField.connect(
+        [&](auto const &) { bound.manager.setObjs(watched(objects)); });
+    removeField(*objects[0], *kept);
+    bound.log.take();
+    sizeOf(objects[1]).set(3);
+    QCOMPARE(bound.log.take(), QString("1 3"));
+}
+
 void tst_FieldManager::refusedCreationsDontPileUp()
 {
     const Things objects = makeThings("a");
@@ -1443,6 +1521,22 @@ void tst_FieldManager::manyChangesTakeFewComparisons()
     QCOMPARE(numUpdates, change == "die" ? 0 : change.contains(" and ") ? 2 * num : num);
     QVERIFY2(Counted::numComparisons < 20 * num,
              qPrintable(QString::number(Counted::numComparisons)));
+}
+
+void tst_FieldManager::manyUnrelatedChangesTakeNoTime()
+{
+    constexpr int num = 300000;
+    const Things objects = {makeSized(1), makeThing("lacking")};
+    Bound bound(objects);
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < num; ++i)
+        for (RefT<Object> const &object : objects)
+            removeField(*object, addField<FieldReal>(*object, "weight", 1.0));
+    // A fraction of what it takes to go through all removals with each addition.
+    constexpr qint64 enough = 10000; // Milliseconds.
+    QVERIFY2(timer.elapsed() < enough, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(bound.log.take(), QString());
 }
 
 QTEST_MAIN(tst_FieldManager)

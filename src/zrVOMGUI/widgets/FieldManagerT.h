@@ -7,8 +7,8 @@
 #include "zrVOMGUI/widgets/FieldTallyT.h"
 #include "zrVOMGUI/widgets/ObjsManager.h"
 
-#include <algorithm>
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -33,9 +33,10 @@ public:
 
     /// What an update found.
     struct SigModifyData : SigVoidData {
-        std::size_t count;  ///< How many objects have the field.
-        bool mixed;         ///< Not all of them agree. A NaN agrees with nothing.
-        Value const *value; ///< That of the first of them. Valid only during the signal. Not owned.
+        std::size_t count = 0; ///< How many objects have the field.
+        bool mixed = false;    ///< Not all of them agree. A NaN agrees with nothing.
+        /// That of the first of them. Valid only during the signal. Not owned.
+        Value const *value = nullptr;
     };
 
     /// Over an own list.
@@ -108,8 +109,7 @@ public:
             return;
         settleDoubts();
         for (std::size_t i = 0; i < boundObjs.size(); ++i)
-            if (!isDoubtful(i))
-                lookAgain(i);
+            lookAgain(i);
         tally.recount();
         tell();
     }
@@ -205,13 +205,6 @@ private:
         const unsigned number;
     };
 
-    /// A slot whose field may be gone when a removal that runs is over, or still there: another
-    /// one may run around it that goes unheard, and this one may end by an exception.
-    struct Doubt {
-        std::size_t index;
-        PtrT<Class> removal; // Null once it is over.
-    };
-
     /// What an update is where every change was noted.
     void tell()
     {
@@ -261,7 +254,7 @@ private:
         boundObjs[i] = &object;
         objConnections[i].death = object.sigDelete.connect(
             [this](auto const &sigData) { onObjSigDelete(sigData); }, {}, new Index(i));
-        if (F *const found = firstField(object))
+        if (F *const found = firstField(i))
             take(i, *found);
         else
             watchAdding(i);
@@ -289,6 +282,9 @@ private:
         tally.fill(i, found);
         ++fieldCount;
         watchField(i, found);
+        // It may be the one that goes, of which the slot is too late to hear.
+        if (isRemoving(i))
+            doubts.try_emplace(i);
     }
     /// What is gone from its object, or about to go.
     void drop(std::size_t i)
@@ -326,40 +322,44 @@ private:
         return place < object.getNumFields() ? cast<F>(object.getField(place)) : nullptr;
     }
     /// The one that binding takes.
-    F *firstField(Object const &object) const
+    F *firstField(std::size_t i) const
     {
-        return fieldAt(object, object.findFieldIndex(field));
+        Object const &object = *boundObjs[i];
+        F *const found = fieldAt(object, object.findFieldIndex(field));
+        return found && !isLeaving(i, *found) ? found : nullptr;
     }
     /// The first one of the class.
-    F *anyField(Object const &object) const
+    F *anyField(std::size_t i) const
     {
-        for (std::size_t place = 0; place < object.getNumFields(); ++place)
-            if (F *const found =
-                    object.getField(place)->name == field ? fieldAt(object, place) : nullptr)
+        Object const &object = *boundObjs[i];
+        for (std::size_t place = 0; place < object.getNumFields(); ++place) {
+            F *const found =
+                object.getField(place)->name == field ? fieldAt(object, place) : nullptr;
+            if (found && !isLeaving(i, *found))
                 return found;
+        }
         return nullptr;
     }
 
-    /// While a removal runs, of whatever field of the object.
-    void doubt(std::size_t i)
+    /// Whether a field of the object is being removed: it is still there, and may stay.
+    bool isRemoving(std::size_t i) const
     {
-        // A slot that goes in the middle of an emission is kept until that is over.
-        const RefT<Class> token(new Index(i));
-        boundObjs[i]->sigRemoveField.connect([](auto const &) {}, {}, token).disconnect();
-        doubts.push_back({i, token});
+        return boundObjs[i] && boundObjs[i]->sigRemoveField.isEmitting();
     }
-    bool isDoubtful(std::size_t i) const
+    bool isLeaving(std::size_t i, F const &found) const
     {
-        return std::any_of(doubts.begin(), doubts.end(),
-                           [i](Doubt const &doubted) { return doubted.index == i; });
+        const auto doubted = doubts.find(i);
+        return doubted != doubts.end() && doubted->second.get() == &found && isRemoving(i);
     }
     void settleDoubts()
     {
-        for (Doubt &doubted : std::exchange(doubts, {})) {
-            if (doubted.removal)
-                doubts.push_back(std::move(doubted));
-            else
-                lookAgain(doubted.index);
+        for (auto doubted = doubts.begin(); doubted != doubts.end();) {
+            if (isRemoving(doubted->first)) {
+                ++doubted;
+            } else {
+                lookAgain(doubted->first);
+                doubted = doubts.erase(doubted);
+            }
         }
     }
     /// Makes up for what went by unheard.
@@ -370,7 +370,7 @@ private:
             return;
         if (tally.get(i) && tally.get(i)->owner != object)
             drop(i);
-        if (F *const found = tally.get(i) ? nullptr : firstField(*object))
+        if (F *const found = tally.get(i) ? nullptr : firstField(i))
             take(i, *found);
     }
 
@@ -406,8 +406,8 @@ private:
         const std::size_t i = indexOf(sigData);
         F *added = fieldAt(*boundObjs[i], sigData.index);
         // Or one before, of which only the signal for this one made it here.
-        if ((!added || added->name != field) && !isDoubtful(i))
-            added = firstField(*boundObjs[i]);
+        if (!added || added->name != field)
+            added = firstField(i);
         if (!added || added->name != field)
             return;
         take(i, *added);
@@ -417,9 +417,10 @@ private:
     void onObjSigRemoveField(SigRemoveFieldData const &sigData)
     {
         const std::size_t i = indexOf(sigData);
-        doubt(i);
+        PtrT<Field> &leaving = doubts[i];
         if (tally.get(i) != sigData.field->get())
             return;
+        leaving = *sigData.field;
         drop(i);
         tellOfSlot(i);
     }
@@ -430,7 +431,7 @@ private:
         const Value wanted = value; // Listeners may change what it refers to.
         settleDoubts();
         for (std::size_t i = 0; !binding.isOver() && i < tally.getNumSlots(); ++i) {
-            if (!tally.get(i) && !isDoubtful(i))
+            if (!tally.get(i))
                 lookAgain(i);
             try {
                 if (F *const found = tally.get(i))
@@ -452,7 +453,7 @@ private:
         ObjPtrs const &objs = getObjs();
         if (i >= objs.size() || !objs[i] || objs[i].get() != boundObjs[i])
             return;
-        if (F *const there = isDoubtful(i) ? nullptr : anyField(*boundObjs[i])) {
+        if (F *const there = anyField(i)) {
             take(i, *there);
             there->set(value);
         } else {
@@ -467,7 +468,10 @@ private:
     std::vector<Object *> boundObjs; // Not owned. Null for one that is gone.
     std::vector<ObjConnections> objConnections;
     std::vector<FieldConnections> fieldConnections;
-    std::vector<Doubt> doubts;
+    // Slots of objects from which a field was being removed when the manager heard of it last, each
+    // with the field that it lost by that. What has become of it shows when no removal runs:
+    // another one around it may have gone by unheard, and this one may have ended by an exception.
+    std::map<std::size_t, PtrT<Field>> doubts;
     std::size_t fieldCount = 0; // Of slots filled, and not emptied since by a removal.
     const std::shared_ptr<Life> life = std::make_shared<Life>();
 };

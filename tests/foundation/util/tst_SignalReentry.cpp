@@ -41,6 +41,7 @@ private slots:
     void caughtExceptionOfAnInnerEmissionEndsTheOuterOne();
     void signalIsReadyAfterNestedEmissions();
     void emissionOfAnotherSignalDoesNotEndThisOne();
+    void signalTellsWhetherItIsEmitting();
 
     void slotMayDestroyTheSignal();
     void slotMayDestroyTheSignalFromAnInnerEmission();
@@ -311,6 +312,30 @@ void tst_SignalReentry::emissionOfAnotherSignalDoesNotEndThisOne()
     });
     add('b');
     QCOMPARE(emitOnce(), std::string("aob"));
+}
+
+void tst_SignalReentry::signalTellsWhetherItIsEmitting()
+{
+    QVERIFY(!signal->isEmitting());
+    std::vector<bool> told;
+    const auto tell = [&] { told.push_back(signal->isEmitting()); };
+    bool isFirst = true;
+    add('a', [&] {
+        tell();
+        if (!std::exchange(isFirst, false))
+            return;
+        SigVoidData data;
+        signal->emit(data);
+        // The outer emission has no more slots to call, and isn't back yet.
+        tell();
+        connections['a'].disconnect();
+        tell();
+        throw 1;
+    });
+    SigVoidData data;
+    QVERIFY_EXCEPTION_THROWN(signal->emit(data), int);
+    QCOMPARE(told, (std::vector<bool>{true, true, true, true}));
+    QVERIFY(!signal->isEmitting());
 }
 
 void tst_SignalReentry::slotMayDestroyTheSignal()

@@ -172,6 +172,13 @@ public:
         return table && !table->slots.empty();
     }
 
+    /// Whether an emission runs, also one that was ended by an inner one and isn't back yet.
+    bool isEmitting() const
+    {
+        Table const *const table = getTable();
+        return table && table->depth != 0;
+    }
+
     bool isConnected(unsigned id) override
     {
         Table const *const table = getTable();
