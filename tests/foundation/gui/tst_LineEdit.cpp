@@ -1,3 +1,4 @@
+#include "support/ErrorReports.h"
 #include "zrVOMGUI/foundation/gui/LineEdit.h"
 
 #include <QDialog>
@@ -58,6 +59,7 @@ private slots:
     void formatsOfBothStreamsAreCopied();
     void showsPaletteAndState_data();
     void showsPaletteAndState();
+    void confirmationThatRaisesIsReported();
 };
 
 namespace {
@@ -513,6 +515,20 @@ void tst_LineEdit::showsPaletteAndState()
     const QImage image = form.line->grab().toImage();
     QVERIFY(countPixels(image, (enabled ? text : dim).rgb()) > 20);
     QCOMPARE(countPixels(image, (enabled ? dim : text).rgb()), 0);
+}
+
+void tst_LineEdit::confirmationThatRaisesIsReported()
+{
+    const ZR::VOM::GUI::Reports reports;
+    Form form;
+    form.line->setText("a");
+    form.line->then = [&] {
+        delete form.line.data();
+        throw ZR::Error("no");
+    };
+    QTest::keyClick(form.line.data(), Qt::Key_Return);
+    QVERIFY(!form.line);
+    QCOMPARE(reports.texts, std::vector<std::string>{"ZR::GUI::LineEdit::onConfirm: no"});
 }
 
 QTEST_MAIN(tst_LineEdit)

@@ -1,5 +1,7 @@
 #include "zrVOMGUI/foundation/gui/LineEdit.h"
 
+#include "zrVOMGUI/foundation/util/Error.h"
+
 #include <QFontMetrics>
 #include <QStyle>
 #include <QStyleOptionFrame>
@@ -77,7 +79,7 @@ void LineEdit::keyPressEvent(QKeyEvent *event)
     confirmed = false;
     QLineEdit::keyPressEvent(event);
     if (confirmed)
-        onConfirm();
+        tryCatch("ZR::GUI::LineEdit::onConfirm", [this] { onConfirm(); });
 }
 
 } // namespace ZR::GUI

@@ -48,7 +48,8 @@ public Q_SLOTS:
     void clear();
 
 protected:
-    /// The user confirmed the text; text() has it. Does nothing here. May destroy the line.
+    /// The user confirmed the text; text() has it. Does nothing here. May destroy the line. What it
+    /// raises goes to the error sink.
     virtual void onConfirm();
 
     void keyPressEvent(QKeyEvent *event) override;
