@@ -1,4 +1,5 @@
 #include "foundation/gui/DragScene.h"
+#include "support/ErrorReports.h"
 #include "support/Things.h"
 #include "zrVOMGUI/foundation/vom/Exporter.h"
 #include "zrVOMGUI/foundation/vom/XmlExporter.h"
@@ -41,6 +42,7 @@ public:
     bool hasIcon() const { return !labels().at(0)->pixmap(Qt::ReturnByValue).isNull(); }
     /// Even one that was refused before, which no application gets.
     void takeDrop(QDropEvent &event) { dropEvent(&event); }
+    void takeEnter(QDragEnterEvent &event) { dragEnterEvent(&event); }
     QString take() { return std::exchange(log, {}).join(' '); }
 
     QStringList log;
@@ -121,6 +123,8 @@ private slots:
 
     void newSlotIsEmptyAndTakesEverything();
     void backgroundFollowsThePalette();
+    void backgroundOfOtherStatesFollowsThePalette_data();
+    void backgroundOfOtherStatesFollowsThePalette();
     void textStandsNextToTheIcon();
     void valueShowsIconAndLabel();
     void clearedSlotShowsNothing();
@@ -133,6 +137,8 @@ private slots:
     void pictureOfADeadObjectStays();
     void labelIsNoMarkup();
     void confirmTellsTheClassAndThenTheHost();
+    void slotShowsTheNewValueWhenItConfirms_data();
+    void slotShowsTheNewValueWhenItConfirms();
 
     void dropTakesOneObject();
     void dropOfNoneOrSeveralIsRefused();
@@ -168,6 +174,10 @@ private slots:
     void derivedClassHearsTheEndOfADrag_data();
     void derivedClassHearsTheEndOfADrag();
     void mimeTypesAreKept();
+    void mimeTypesJudgeNoDrop();
+    void objectTakenByAnotherProgramIsGone();
+    void dragWithoutAnExporterHasNoXml_data();
+    void dragWithoutAnExporterHasNoXml();
 
     void derivedClassDecidesPictureTextAndDrop();
     void iconIsAsLargeAsThatOfButtons();
@@ -182,6 +192,14 @@ private slots:
     void objectThatIsDraggedLivesUntilTheEnd_data();
     void objectThatIsDraggedLivesUntilTheEnd();
     void databaseMayChangeTheDatabase();
+    void databaseMayChangeTheValue_data();
+    void databaseMayChangeTheValue();
+    void importerMayDestroyTheSlot_data();
+    void importerMayDestroyTheSlot();
+    void hooksThatRaiseAreReported_data();
+    void hooksThatRaiseAreReported();
+    void slotIsDraggedAgainAfterAHookThatRaised_data();
+    void slotIsDraggedAgainAfterAHookThatRaised();
     void databaseMayDestroyTheSlot_data();
     void databaseMayDestroyTheSlot();
     void listenerMayDestroyTheSlot_data();
@@ -253,6 +271,10 @@ void tst_ObjectView::newSlotIsEmptyAndTakesEverything()
     QCOMPARE(slot->palette().color(QPalette::Active, QPalette::Window),
              slot->palette().color(QPalette::Active, QPalette::Base));
     QCOMPARE(slot->layout()->contentsMargins(), QMargins(4, 4, 4, 4));
+    auto const *const row = qobject_cast<QHBoxLayout *>(slot->layout());
+    QVERIFY(row);
+    QCOMPARE(row->stretch(0), 0);
+    QCOMPARE(row->stretch(1), 1);
 }
 
 void tst_ObjectView::backgroundFollowsThePalette()
@@ -271,6 +293,35 @@ void tst_ObjectView::backgroundFollowsThePalette()
     dark.setColor(QPalette::Base, Qt::darkGreen);
     window->setPalette(dark);
     QCOMPARE(background(), QColor(Qt::red));
+}
+
+void tst_ObjectView::backgroundOfOtherStatesFollowsThePalette_data()
+{
+    QTest::addColumn<int>("group");
+    QTest::newRow("inactive") << int(QPalette::Inactive);
+    QTest::newRow("disabled") << int(QPalette::Disabled);
+}
+
+void tst_ObjectView::backgroundOfOtherStatesFollowsThePalette()
+{
+    QFETCH(int, group);
+    const auto background = [&](QWidget const &widget) {
+        return widget.palette().color(QPalette::ColorGroup(group), QPalette::Window);
+    };
+    for (QColor const &color : {QColor(Qt::black), QColor(Qt::darkGreen)}) {
+        QPalette dark(Qt::darkGray, color);
+        dark.setColor(QPalette::Base, color.lighter());
+        window->setPalette(dark);
+        QCOMPARE(background(*slot), background(*window));
+    }
+    // The host's own choice stays.
+    QPalette own = slot->palette();
+    own.setColor(QPalette::ColorGroup(group), QPalette::Window, Qt::red);
+    slot->setPalette(own);
+    window->setPalette(QPalette(Qt::darkGray, Qt::darkBlue));
+    QCOMPARE(background(*slot), QColor(Qt::red));
+    QCOMPARE(slot->palette().color(QPalette::Active, QPalette::Window),
+             slot->palette().color(QPalette::Active, QPalette::Base));
 }
 
 void tst_ObjectView::textStandsNextToTheIcon()
@@ -401,6 +452,53 @@ void tst_ObjectView::confirmTellsTheClassAndThenTheHost()
 {
     slot->confirm();
     QCOMPARE(slot->take(), QString("onConfirm sigConfirm"));
+}
+
+void tst_ObjectView::slotShowsTheNewValueWhenItConfirms_data()
+{
+    QTest::addColumn<bool>("drops");
+    QTest::newRow("after a drop") << true;
+    QTest::newRow("when the object has moved away") << false;
+}
+
+void tst_ObjectView::slotShowsTheNewValueWhenItConfirms()
+{
+    QFETCH(bool, drops);
+    class Own : public Slot {
+    public:
+        using Slot::onDragDrop;
+        using Slot::Slot;
+        void note(QString const &hook)
+        {
+            seen << QString("%1 %2 %3 %4")
+                        .arg(hook, text(), hasIcon() ? "icon" : "none",
+                             isSet() && getValue() ? "value" : "null");
+        }
+        QStringList seen;
+
+    protected:
+        void onConfirm() override { note("hook"); }
+    };
+    class NamedDB : public RedDB {
+    public:
+        QIcon find(RefT<Object> const &object) const override
+        {
+            return object && fieldOf<FieldString>(object, "name").get() == "b" ? RedDB::find(object)
+                                                                               : QIcon();
+        }
+    };
+    Own own;
+    own.setObjIconDB(RefT<ObjectIconDB>(new NamedDB));
+    own.setValue(things[drops ? 0 : 1]);
+    own.sigConfirm.connect([&](auto const &) { own.note("signal"); });
+    if (drops) {
+        drop(own, *payloadOf({things[1]}));
+        QCOMPARE(own.seen, (QStringList{"hook 'b' icon value", "signal 'b' icon value"}));
+    } else {
+        ZR::GUI::Drag drag(&own);
+        own.onDragDrop(drag, Qt::MoveAction);
+        QCOMPARE(own.seen, (QStringList{"hook  none null", "signal  none null"}));
+    }
 }
 
 void tst_ObjectView::dropTakesOneObject()
@@ -840,6 +938,63 @@ void tst_ObjectView::mimeTypesAreKept()
     QVERIFY(slot->getMimeTypes().empty());
 }
 
+/// KEPT: hosts keep them with the slot, which doesn't read them.
+void tst_ObjectView::mimeTypesJudgeNoDrop()
+{
+    Output output;
+    QMimeData other;
+    other.setData("other", "text");
+    slot->addMimeType("other");
+    QVERIFY(!dragOver(*slot, other).accepted);
+    drop(*slot, other);
+    QVERIFY(!slot->isSet());
+    const auto payload = payloadOf({things[0]});
+    QVERIFY(dragOver(*slot, *payload).accepted);
+    drop(*slot, *payload);
+    QCOMPARE(slot->getValue().get(), things[0].get());
+}
+
+/// Of which this process knows no target.
+void tst_ObjectView::objectTakenByAnotherProgramIsGone()
+{
+    struct Open : Slot {
+        using Slot::onDragDrop;
+    };
+    slot->setValue(things[0]);
+    QDrag drag(slot);
+    QVERIFY(!drag.target());
+    (slot->*static_cast<void (Slot::*)(QDrag &, Qt::DropAction)>(&Open::onDragDrop))(
+        drag, Qt::MoveAction);
+    QVERIFY(!slot->getValue());
+    QVERIFY(slot->isSet());
+    QCOMPARE(slot->take(), QString("onConfirm sigConfirm"));
+}
+
+void tst_ObjectView::dragWithoutAnExporterHasNoXml_data()
+{
+    dragCarriesTheObject_data();
+}
+
+void tst_ObjectView::dragWithoutAnExporterHasNoXml()
+{
+    QFETCH(bool, intern);
+    ObjectView plain(window.get());
+    plain.setGeometry(slot->geometry());
+    plain.show();
+    plain.setDragEnabled(true, intern);
+    plain.setValue(things[0]);
+    Objects carried;
+    QStringList formats;
+    site->onEvent = [&](QDropEvent &event) {
+        getFromMimeData(*event.mimeData(), carried);
+        formats = event.mimeData()->formats();
+        event.accept();
+    };
+    dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    QCOMPARE(carried, Objects{things[0]});
+    QCOMPARE(formats, QStringList{MimeType::objects});
+}
+
 // What derived classes and the mouse decide.
 
 void tst_ObjectView::derivedClassDecidesPictureTextAndDrop()
@@ -1086,6 +1241,231 @@ void tst_ObjectView::databaseMayChangeTheDatabase()
     slot->setValue(things[0]);
     QVERIFY(livesOn);
     QVERIFY(!db);
+}
+
+void tst_ObjectView::databaseMayChangeTheValue_data()
+{
+    QTest::addColumn<QString>("act");
+    for (char const *act : {"another value", "clear", "another database"})
+        QTest::newRow(act) << act;
+}
+
+/// The newer picture stays.
+void tst_ObjectView::databaseMayChangeTheValue()
+{
+    QFETCH(QString, act);
+    class DB : public Meddler {
+    public:
+        using Meddler::Meddler;
+        QIcon find(RefT<Object> const &object) const override
+        {
+            Meddler::find(object);
+            QPixmap pixmap(16, 16);
+            pixmap.fill(object && fieldOf<FieldString>(object, "name").get() == "a" ? Qt::green
+                                                                                    : Qt::red);
+            return pixmap;
+        }
+    };
+    bool isFirst = true;
+    slot->setTypeName(true);
+    const RefT<ObjectIconDB> db(new DB([&] {
+        if (!std::exchange(isFirst, false))
+            return;
+        if (act == "another value")
+            slot->setValue(things[1]);
+        else if (act == "clear")
+            slot->clear();
+        else
+            slot->setObjIconDB(RefT<ObjectIconDB>(new RedDB));
+    }));
+    slot->setObjIconDB(db);
+    slot->setValue(things[0]);
+    const QPixmap shown = slot->findChildren<QLabel *>().first()->pixmap(Qt::ReturnByValue);
+    if (act == "clear") {
+        QVERIFY(shown.isNull());
+        QCOMPARE(slot->text(), QString());
+    } else {
+        QCOMPARE(shown.toImage().pixelColor(1, 1), QColor(Qt::red));
+        QCOMPARE(slot->text(), QString(act == "another value" ? "Thing 'b'" : "Thing 'a'"));
+    }
+}
+
+void tst_ObjectView::importerMayDestroyTheSlot_data()
+{
+    QTest::addColumn<bool>("drops");
+    QTest::newRow("while something is dragged over it") << false;
+    QTest::newRow("in a drop") << true;
+}
+
+void tst_ObjectView::importerMayDestroyTheSlot()
+{
+    QFETCH(bool, drops);
+    class Importer : public XmlImporter {
+    public:
+        Importer(RefT<ClassRegistry> const &classes, QPointer<Slot> &destroyed)
+            : XmlImporter(classes)
+            , target(destroyed)
+        {
+        }
+        RefT<Context> createContext(RefT<Object> const &root) override
+        {
+            delete target.data();
+            return XmlImporter::createContext(root);
+        }
+
+    private:
+        QPointer<Slot> &target;
+    };
+    const RefT<ClassRegistry> registry(new ClassRegistry);
+    registry->add<Thing>(ClassRegistry::Fields::Open);
+    QPointer<Slot> other;
+    other = new Slot(nullptr, RefT<Xml::Importer>(new Importer(registry, other)));
+    const Objects one{things[0]};
+    const std::unique_ptr<QMimeData> payload(
+        createMimeData(RefT<Exporter>(new XmlExporter), &one, nullptr));
+    payload->removeFormat(MimeType::objects);
+    if (drops) {
+        QDropEvent event(QPointF(1, 1), Qt::CopyAction, payload.get(), Qt::LeftButton, {});
+        other->takeDrop(event);
+        QVERIFY(event.isAccepted());
+    } else {
+        QDragEnterEvent event(QPoint(1, 1), Qt::CopyAction, payload.get(), Qt::LeftButton, {});
+        other->takeEnter(event);
+        QVERIFY(!event.isAccepted());
+    }
+    QVERIFY(!other);
+}
+
+namespace {
+
+/// Raises an error in one hook.
+class Raising : public Slot {
+public:
+    using Slot::Slot;
+    QString hook;
+
+protected:
+    void onConfirm() override { raise("onConfirm"); }
+    QPixmap onUpdateIcon() override
+    {
+        raise("onUpdateIcon");
+        return Slot::onUpdateIcon();
+    }
+    QString onUpdateText() override
+    {
+        raise("onUpdateText");
+        return Slot::onUpdateText();
+    }
+    bool onCanDrop(Objects const &objects, bool copied, QDropEvent &event) override
+    {
+        raise("onCanDrop");
+        return Slot::onCanDrop(objects, copied, event);
+    }
+    void onDrop(Objects const &objects, bool copied, QDropEvent &event) override
+    {
+        raise("onDrop");
+        Slot::onDrop(objects, copied, event);
+    }
+    void onDragDrop(ZR::GUI::Drag &drag, Qt::DropAction action) override
+    {
+        raise("onDragDrop");
+        Slot::onDragDrop(drag, action);
+    }
+    void onDragDrop(QDrag &drag, Qt::DropAction action) override
+    {
+        raise("onDragDrop");
+        Slot::onDragDrop(drag, action);
+    }
+
+private:
+    void raise(char const *called)
+    {
+        if (hook == called)
+            throw ZR::Error("no");
+    }
+};
+
+} // namespace
+
+void tst_ObjectView::hooksThatRaiseAreReported_data()
+{
+    QTest::addColumn<QString>("hook");
+    QTest::addColumn<QString>("left"); // After what calls it.
+    QTest::newRow("confirm") << "onConfirm"
+                             << "'b' icon sigConfirm";
+    QTest::newRow("icon") << "onUpdateIcon"
+                          << "'b' none sigConfirm";
+    QTest::newRow("text") << "onUpdateText"
+                          << " icon sigConfirm";
+    QTest::newRow("drag") << "onCanDrop"
+                          << "'a' icon ";
+    QTest::newRow("drop") << "onDrop"
+                          << "'a' icon ";
+}
+
+void tst_ObjectView::hooksThatRaiseAreReported()
+{
+    QFETCH(QString, hook);
+    Output output;
+    const Reports reports;
+    Raising own;
+    own.setObjIconDB(RefT<ObjectIconDB>(new RedDB));
+    own.setValue(things[0]);
+    own.hook = hook;
+    const auto payload = payloadOf({things[1]});
+    if (dragOver(own, *payload).accepted)
+        drop(own, *payload);
+    QTEST(own.text() + (own.hasIcon() ? " icon " : " none ") + own.take(), "left");
+    const std::string told = "ZR::VOM::GUI::ObjectView::" + hook.toStdString() + ": no";
+    QCOMPARE(reports.texts, std::vector<std::string>{told});
+    // From here a model's set would have passed it on.
+    if (hook == "onUpdateText") {
+        fieldOf<FieldString>(things[0], "name").set("new");
+        QCOMPARE(reports.texts.size(), std::size_t(2));
+        QCOMPARE(own.text(), QString());
+    }
+}
+
+void tst_ObjectView::slotIsDraggedAgainAfterAHookThatRaised_data()
+{
+    QTest::addColumn<bool>("intern");
+    QTest::addColumn<QString>("hook");
+    for (char const *hook : {"onDragDrop", "onConfirm", "onUpdateText"}) {
+        QTest::addRow("%s of a drag to other programs, too", hook) << false << hook;
+        QTest::addRow("%s of a drag within the process", hook) << true << hook;
+    }
+}
+
+void tst_ObjectView::slotIsDraggedAgainAfterAHookThatRaised()
+{
+    QFETCH(bool, intern);
+    QFETCH(QString, hook);
+    const Reports reports;
+    delete slot.data();
+    auto *const own = new Raising(window.get());
+    slot = own;
+    slot->setGeometry(0, 0, 100, 60);
+    slot->show();
+    slot->setDragEnabled(true, intern);
+    slot->setValue(things[0]);
+    own->hook = hook;
+    const PtrT<Object> watch(things[0]);
+    int numDrops = 0;
+    site->onEvent = [&](QDropEvent &event) {
+        numDrops += event.type() == QEvent::Drop;
+        event.setDropAction(Qt::MoveAction);
+        event.accept();
+    };
+    const auto drag = [&] {
+        dragOut({[&] { gui_test::moveTo(*site); }, [&] { gui_test::release(*site); }});
+    };
+    drag();
+    QCOMPARE(reports.texts.size(), std::size_t(1));
+    things[0] = {};
+    QVERIFY(!watch);
+    slot->setValue(things[1]);
+    drag();
+    QCOMPARE(numDrops, 2);
 }
 
 void tst_ObjectView::databaseMayDestroyTheSlot_data()

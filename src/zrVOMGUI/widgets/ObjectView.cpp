@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QScopeGuard>
 #include <QStyle>
 
 #include <iostream>
@@ -27,6 +28,16 @@ int iconSizeOf(QWidget const &widget)
 {
     return widget.style()->pixelMetric(QStyle::PM_ButtonIconSize, nullptr, &widget);
 }
+
+/// Keeps what an operation of a derived class raises from Qt and from the model.
+template <class Call>
+void guard(char const *operation, Call const &call)
+{
+    tryCatch(std::string("ZR::VOM::GUI::ObjectView::") + operation, call);
+}
+
+constexpr QPalette::ColorGroup groups[] = {QPalette::Active, QPalette::Disabled,
+                                           QPalette::Inactive};
 
 } // namespace
 
@@ -47,6 +58,8 @@ ObjectView::ObjectView(RefT<Exporter> const &xmlExporter, RefT<Xml::Importer> co
     // A label is a line of text, whatever it looks like.
     textLabel->setTextFormat(Qt::PlainText);
     setFrameStyle(int(QFrame::Box) | int(QFrame::Sunken));
+    for (QPalette::ColorGroup group : groups)
+        backgrounds[group] = palette().brush(group, QPalette::Window);
     updateBackground();
     updateAlignment();
     setAutoFillBackground(true);
@@ -102,12 +115,15 @@ void ObjectView::setValue(RefT<Object> const &object)
     value = object;
     hasValue = true;
     updateIcon();
-    if (self)
+    // The database may have destroyed or cleared the slot.
+    if (self && hasValue)
         updateLabel();
 }
 
 void ObjectView::clear()
 {
+    ++numPictures;
+    ++numTexts;
     connection.disconnect();
     nameField = {};
     value = {};
@@ -119,25 +135,33 @@ void ObjectView::clear()
 void ObjectView::confirm()
 {
     const QPointer<ObjectView> self(this);
-    onConfirm();
+    guard("onConfirm", [this] { onConfirm(); });
     if (!self)
         return;
     SigVoidData sigData;
     sigConfirm.emitCatching(sigData, "ZR::VOM::GUI::ObjectView::confirm");
 }
 
-/// The database may destroy the slot.
+/// The database may destroy the slot, or give it another picture, which is the newer one.
 void ObjectView::updateIcon()
 {
     const QPointer<ObjectView> self(this);
-    const QPixmap picture = onUpdateIcon();
-    if (self)
+    const unsigned number = ++numPictures;
+    QPixmap picture;
+    guard("onUpdateIcon", [&] { picture = onUpdateIcon(); });
+    if (self && number == numPictures)
         iconLabel->setPixmap(picture);
 }
 
+/// As with the icon.
 void ObjectView::updateLabel()
 {
-    textLabel->setText(onUpdateText());
+    const QPointer<ObjectView> self(this);
+    const unsigned number = ++numTexts;
+    QString text;
+    guard("onUpdateText", [&] { text = onUpdateText(); });
+    if (self && number == numTexts)
+        textLabel->setText(text);
 }
 
 void ObjectView::onPtrObjFieldNameSigSet(FieldString::SigSetData const &)
@@ -183,21 +207,31 @@ void ObjectView::changeEvent(QEvent *event)
         updateIcon();
     else if (event->type() == QEvent::LayoutDirectionChange)
         updateAlignment();
-    else if (event->type() == QEvent::PaletteChange &&
-             palette().brush(QPalette::Active, QPalette::Window) == background)
+    else if (event->type() == QEvent::PaletteChange)
         updateBackground();
     QFrame::changeEvent(event);
 }
 
-/// Also with a palette that comes later, unless a host has chosen another background.
+/// In an active window that of texts to edit, otherwise the one around the slot. Also with a
+/// palette that comes later, unless a host has chosen another background.
 void ObjectView::updateBackground()
 {
+    // Qt takes a brush that is set in one group for chosen in all of them, and hands none on.
+    QPalette const around =
+        parentWidget() ? parentWidget()->palette() : QApplication::palette(this);
     QPalette colors = palette();
-    background = colors.brush(QPalette::Active, QPalette::Base);
-    if (colors.brush(QPalette::Active, QPalette::Window) == background)
-        return;
-    colors.setBrush(QPalette::Active, QPalette::Window, background);
-    setPalette(colors);
+    bool isNew = false;
+    for (QPalette::ColorGroup group : groups) {
+        QBrush &last = backgrounds[group];
+        if (colors.brush(group, QPalette::Window) != last)
+            continue;
+        last = group == QPalette::Active ? colors.brush(group, QPalette::Base)
+                                         : around.brush(group, QPalette::Window);
+        isNew = isNew || colors.brush(group, QPalette::Window) != last;
+        colors.setBrush(group, QPalette::Window, last);
+    }
+    if (isNew)
+        setPalette(colors);
 }
 
 /// Next to the icon, whatever the direction of the text itself.
@@ -226,6 +260,10 @@ void ObjectView::startDrag()
     if (!dragObjs.empty())
         return;
     const QPointer<ObjectView> self(this);
+    const auto release = qScopeGuard([&] {
+        if (self)
+            const std::vector<RefT<Object>> released = std::exchange(dragObjs, {});
+    });
     dragObjs = {RefT<Object>(value)};
     std::unique_ptr<QMimeData> payload(createMimeData(exporter, &dragObjs, nullptr));
     if (!self)
@@ -240,11 +278,10 @@ void ObjectView::startDrag()
                          {std::move(payload),
                           pixmap,
                           {},
-                          [this](QDrag &drag, Qt::DropAction action) { onDragDrop(drag, action); }},
+                          [this](QDrag &drag, Qt::DropAction action) {
+                              guard("onDragDrop", [&] { onDragDrop(drag, action); });
+                          }},
                          dragActions, defaultDragAction);
-    if (!self)
-        return;
-    const std::vector<RefT<Object>> released = std::exchange(dragObjs, {});
 }
 
 void ObjectView::runInternDrag(std::unique_ptr<QMimeData> payload, QPixmap const &pixmap)
@@ -256,7 +293,7 @@ void ObjectView::runInternDrag(std::unique_ptr<QMimeData> payload, QPixmap const
     drag->setPixmap(pixmap);
     const Qt::DropAction action = drag->exec(dragActions, defaultDragAction);
     if (self && drag)
-        onDragDrop(*drag, action);
+        guard("onDragDrop", [&] { onDragDrop(*drag, action); });
 }
 
 void ObjectView::onDragDrop(ZR::GUI::Drag &drag, Qt::DropAction action)
@@ -297,12 +334,17 @@ ObjectView::Dropped ObjectView::readDropped(QMimeData const &payload) const
     return dropped;
 }
 
+/// The importer may destroy the slot, which takes nothing any more then.
 void ObjectView::acceptDrag(QDropEvent &event)
 {
     if (!event.mimeData())
         return;
+    const QPointer<ObjectView> self(this);
     const Dropped dropped = readDropped(*event.mimeData());
-    event.setAccepted(onCanDrop(dropped.objects, dropped.copied, event));
+    bool isTaken = false;
+    if (self)
+        guard("onCanDrop", [&] { isTaken = onCanDrop(dropped.objects, dropped.copied, event); });
+    event.setAccepted(isTaken);
 }
 
 void ObjectView::dragEnterEvent(QDragEnterEvent *event)
@@ -320,8 +362,10 @@ void ObjectView::dragMoveEvent(QDragMoveEvent *event)
 void ObjectView::dropEvent(QDropEvent *event)
 {
     if (event->mimeData()) {
+        const QPointer<ObjectView> self(this);
         const Dropped dropped = readDropped(*event->mimeData());
-        onDrop(dropped.objects, dropped.copied, *event);
+        if (self)
+            guard("onDrop", [&] { onDrop(dropped.objects, dropped.copied, *event); });
     }
     event->accept();
 }

@@ -10,6 +10,7 @@
 
 #include <QBrush>
 #include <QFrame>
+#include <QPalette>
 #include <QPixmap>
 #include <QPoint>
 #include <QPointer>
@@ -115,7 +116,9 @@ public:
     Qt::DropAction getDefaultDropAction() const { return defaultDropAction; }
     void setDefaultDropAction(Qt::DropAction action) { defaultDropAction = action; }
 
-    /// Further types, for derived classes that read them; nothing here does.
+    /// Further types, for derived classes that read them.
+    /// KEPT: nothing here does, and no drop is judged by them. Hosts keep the types of their own
+    /// payloads with the slot.
     std::set<std::string> const &getMimeTypes() const { return mimeTypes; }
     void addMimeType(std::string const &type) { mimeTypes.insert(type); }
     void removeMimeType(std::string const &type) { mimeTypes.erase(type); }
@@ -123,6 +126,14 @@ public:
     /// @}
 
 protected:
+    /// What shows the text, for derived classes that fit it to the slot's width. The slot owns it.
+    QLabel &getTextLabel() const { return *textLabel; }
+
+    /// \name Hooks
+    /// What one of them raises goes to the error sink, and the slot goes on without its answer:
+    /// with no picture, an empty text, and a drop refused.
+    /// @{
+
     /// The user changed the value. Does nothing here.
     virtual void onConfirm();
     /// The picture of the value, at the size of a button's icon; null without a database. Called
@@ -132,8 +143,6 @@ protected:
     /// The text of the value. Called when a value is set, also null, when the name field that the
     /// last text was made from changes, and while there is a value when the settings do.
     virtual QString onUpdateText();
-    /// What shows the text, for derived classes that fit it to the slot's width. The slot owns it.
-    QLabel &getTextLabel() const { return *textLabel; }
     /// Whether the objects may be dropped; sets the event's drop action to what the drop would do.
     /// `copied` says that they are new ones, made of XML, which nobody owns: each step of a drag
     /// makes its own, and they die with the event unless they are adopted.
@@ -147,6 +156,7 @@ protected:
     /// elsewhere.
     virtual void onDragDrop(ZR::GUI::Drag &drag, Qt::DropAction action);
     virtual void onDragDrop(QDrag &drag, Qt::DropAction action);
+    /// @}
 
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
@@ -205,7 +215,8 @@ public:
     SignalT<SigVoidData> sigConfirm;
 
 private:
-    QBrush background; // That was set last.
+    QBrush backgrounds[QPalette::NColorGroups]; // That were set last, by group.
+    unsigned numPictures = 0, numTexts = 0;     // That were asked for.
     const std::unique_ptr<ZR::GUI::GuardedDrag> externDrag;
     QPointer<ZR::GUI::Drag> internDrag;
 };
