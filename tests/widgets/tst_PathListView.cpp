@@ -143,6 +143,7 @@ private slots:
     void iconOfManyObjectsIsDrawnOnce();
     void geometryAddsUp();
     void scrollRangesHoldTheContent();
+    void scrollRangesAreSetOnceAtATime();
     void scrollingMovesRows();
     void rowsOutOfSightLookTheSame();
     void horizontalScrollRangeHoldsTheWidestRow();
@@ -166,13 +167,18 @@ private slots:
     void markedTextCanBeRead();
     void lettersAreWhole();
     void textThatBecameLongerIsCut();
+    void furtherLinesOfATextAreCut_data();
+    void furtherLinesOfATextAreCut();
     void pressDoesNotRepaintAndReleaseDoes();
+    void whatAsksForAPaint_data();
+    void whatAsksForAPaint();
     void losingTheFocusClearsAll();
     void losingTheFocusAsksForNoPaint();
     void manyPathsArePaintedAtOnce();
 
     void newListShowsClassNamesAndFields();
     void separatorStandsBetweenCells();
+    void separatorKeepsItsSizeInALargerFont();
     void oldDatabaseIsForgotten();
     void whatDiesAfterSetIsLeftOut();
     void pathThatEndsInADeadFieldIsShort_data();
@@ -490,6 +496,25 @@ void tst_PathListView::scrollRangesHoldTheContent()
     QCOMPARE(bar.pageStep(), scene.view.viewport()->height());
     QCOMPARE(bar.maximum(),
              Access::contentSize(scene.view).height() - scene.view.viewport()->height());
+}
+
+void tst_PathListView::scrollRangesAreSetOnceAtATime()
+{
+    Scene scene;
+    fieldOf<FieldString>(scene.a(), "name").set(std::string(100, 'w'));
+    scene.set({});
+    QScrollBar &bar = *scene.view.verticalScrollBar();
+    const int pageStep = bar.pageStep();
+    int pageStepMeanwhile = 0;
+    connect(scene.view.horizontalScrollBar(), &QScrollBar::rangeChanged, &scene.view, [&] {
+        if (pageStepMeanwhile != 0)
+            return;
+        scene.view.resize(300, 60);
+        pageStepMeanwhile = bar.pageStep();
+    });
+    scene.setPlain(1);
+    QVERIFY(scene.view.viewport()->height() < pageStep);
+    QCOMPARE(pageStepMeanwhile, pageStep);
 }
 
 void tst_PathListView::scrollingMovesRows()
@@ -814,6 +839,32 @@ void tst_PathListView::textThatBecameLongerIsCut()
             QCOMPARE(image.pixel(x, y), scene.view.palette().color(QPalette::Base).rgb());
 }
 
+void tst_PathListView::furtherLinesOfATextAreCut_data()
+{
+    QTest::addColumn<QString>("separator");
+    QTest::newRow("line feed") << "\n";
+    QTest::newRow("line separator") << QString(QChar(QChar::LineSeparator));
+}
+
+void tst_PathListView::furtherLinesOfATextAreCut()
+{
+    QFETCH(QString, separator);
+    Scene scene;
+    fieldOf<FieldString>(scene.a(), "name").set(("WWW" + separator + "WWW").toStdString());
+    scene.setPlain(1);
+    const QImage image = scene.paint();
+    const QRect row = Access::rowRect(scene.view, 0);
+    const auto hasInk = [&](int top, int bottom) {
+        for (int y = top; y <= bottom; ++y)
+            for (int x = 0; x < image.width(); ++x)
+                if (image.pixel(x, y) != scene.view.palette().color(QPalette::Base).rgb())
+                    return true;
+        return false;
+    };
+    QVERIFY(hasInk(row.top(), row.bottom()));
+    QVERIFY(!hasInk(row.bottom() + 1, image.height() - 1));
+}
+
 /// KEPT: a click takes one paint.
 void tst_PathListView::pressDoesNotRepaintAndReleaseDoes()
 {
@@ -824,6 +875,46 @@ void tst_PathListView::pressDoesNotRepaintAndReleaseDoes()
     QCOMPARE(paints.take(), 0);
     QTest::mouseRelease(scene.view.viewport(), Qt::LeftButton, {}, scene.middle(1));
     QCOMPARE(paints.take(), 1);
+}
+
+void tst_PathListView::whatAsksForAPaint_data()
+{
+    QTest::addColumn<QString>("act");
+    QTest::addColumn<int>("numPaints");
+    QTest::newRow("a new list") << "set" << 1;
+    QTest::newRow("the mouse over a row") << "move" << 1;
+    QTest::newRow("a name field doesn't") << "field name" << 0;
+    QTest::newRow("class names don't") << "class names" << 0;
+    QTest::newRow("hiding fields doesn't") << "hide fields" << 0;
+    QTest::newRow("a database doesn't") << "database" << 0;
+    QTest::newRow("another button doesn't") << "right button" << 0;
+}
+
+void tst_PathListView::whatAsksForAPaint()
+{
+    QFETCH(QString, act);
+    Scene scene;
+    scene.setPlain(3);
+    QWidget &viewport = *scene.view.viewport();
+    const QPointF pos(scene.middle(1));
+    QMouseEvent move(QEvent::MouseMove, pos, viewport.mapToGlobal(pos.toPoint()), Qt::NoButton,
+                     Qt::NoButton, {});
+    PaintCounter paints(viewport);
+    if (act == "set")
+        scene.view.set({scene.path(scene.b())});
+    else if (act == "move")
+        QApplication::sendEvent(&viewport, &move);
+    else if (act == "field name")
+        scene.view.setFieldName("other");
+    else if (act == "class names")
+        scene.view.setTypeName(true);
+    else if (act == "hide fields")
+        scene.view.hideFields(true);
+    else if (act == "database")
+        scene.view.setObjIconDB(RefT<GUI::ObjectIconDB>(new GreenDB));
+    else
+        QTest::mouseClick(&viewport, Qt::RightButton, {}, scene.middle(1));
+    QTEST(paints.take(), "numPaints");
 }
 
 void tst_PathListView::losingTheFocusClearsAll()
@@ -893,6 +984,26 @@ void tst_PathListView::separatorStandsBetweenCells()
     QVERIFY(numInked > 0);
     scene.view.hideFields(true);
     QCOMPARE(Access::separatorText(scene.view), QString("/"));
+}
+
+/// KEPT: it is measured once, and cut where the font has grown.
+void tst_PathListView::separatorKeepsItsSizeInALargerFont()
+{
+    Scene scene;
+    const QSize size = Access::separatorSize(scene.view);
+    QFont font = scene.view.font();
+    font.setPixelSize(40);
+    scene.view.setFont(font);
+    Path path = scene.path(scene.a());
+    path.pushValue(scene.field(scene.a(), "part"));
+    scene.set({path});
+    QVERIFY(scene.view.fontMetrics().boundingRect("/").width() > size.width());
+    QCOMPARE(Access::separatorSize(scene.view), size);
+    const int left = Access::cellSize(scene.view, 0, 0).width() + 5;
+    const QImage image = scene.paint();
+    for (int y = size.height(); y < Access::rowRect(scene.view, 0).height(); ++y)
+        for (int x = left; x < left + size.width(); ++x)
+            QCOMPARE(image.pixel(x, y), scene.view.palette().color(QPalette::Base).rgb());
 }
 
 void tst_PathListView::oldDatabaseIsForgotten()

@@ -43,13 +43,17 @@ bool follow(Path::Entry const &step, RefT<Object> &object)
     return isThere;
 }
 
+bool isOneLine(QString const &text)
+{
+    return !text.contains(QChar::LineFeed) && !text.contains(QChar::LineSeparator);
+}
+
 } // namespace
 
 struct PathListView::Pen {
     QPainter &painter;
     bool draws; // False for a row that is out of sight.
     int x, y;
-    int rowHeight = 0;
 };
 
 struct PathListView::Memo {
@@ -63,7 +67,8 @@ PathListView::PathListView(QWidget *parent)
     , iconSize(style()->pixelMetric(QStyle::PM_ListViewIconSize))
 {
     // KEPT: measured without the blank that it is drawn with while fields are shown, so that as
-    // much room is before it as behind.
+    // much room is before it as behind. And once, in the font of that time, so that it is cut where
+    // a later font is larger: cells stand as far apart when a user enlarges the text.
     separator.objectText = separatorText;
     const QRect bound = fontMetrics().boundingRect(QString::fromStdString(separatorText));
     separator.width = bound.width();
@@ -123,7 +128,7 @@ void PathListView::collectDataFromPath()
         const Path path = paths[i];
         Row row;
         row.cells = makeCells(path, memo);
-        row.height = textHeight(row); // By which the first paint tells whether it is in sight.
+        row.height = textHeight(row) + cellSpacing / 2;
         rows.push_back(std::move(row));
     }
 }
@@ -177,7 +182,7 @@ QPixmap PathListView::makePixmap(RefT<Object> const &object, Memo &memo) const
 {
     QIcon icon;
     const RefT<ObjectIconDB> db = objIconDB; // It may set another one.
-    tryCatch("ZR::VOM::GUI::PathListView::makeCell", [&] {
+    tryCatch("ZR::VOM::GUI::PathListView::makePixmap", [&] {
         if (db)
             icon = db->find(object);
     });
@@ -205,6 +210,7 @@ void PathListView::createTextGeometry(Cell &cell, Memo &memo) const
     cell.height = size->height();
 }
 
+/// KEPT: the height of icons doesn't count. Rows are as high as their text.
 int PathListView::textHeight(Row const &row) const
 {
     int height = row.cells.size() > 1 ? separator.height : 0;
@@ -233,7 +239,7 @@ void PathListView::updateListView(QPainter &painter)
     for (Row &row : rows) {
         drawRow(painter, row, y);
         contentWidth = std::max(contentWidth, row.width);
-        const int step = cellSpacing + row.height - cellSpacing / 2;
+        const int step = cellSpacing + textHeight(row);
         contentHeight += step;
         y += step;
     }
@@ -244,7 +250,7 @@ void PathListView::drawRow(QPainter &painter, Row &row, int y)
     const int scrollX = horizontalScrollBar()->value();
     row.x = -scrollX;
     row.y = y;
-    // Twice where both are so, with the height of the last paint.
+    // Twice where both are so.
     for (bool isMarked : {row.selected, row.highlighted})
         if (isMarked)
             drawSelectionRect(painter, row);
@@ -259,10 +265,8 @@ void PathListView::drawRow(QPainter &painter, Row &row, int y)
             drawText(pen, separator);
     }
     row.width = cellSpacing / 2 + pen.x + scrollX;
-    row.height = cellSpacing / 2 + pen.rowHeight;
 }
 
-/// KEPT: the height of the icon doesn't count. Rows are as high as their text.
 void PathListView::drawIcon(Pen &pen, Cell const &cell) const
 {
     if (cell.pixmap.isNull())
@@ -270,7 +274,6 @@ void PathListView::drawIcon(Pen &pen, Cell const &cell) const
     if (pen.draws)
         pen.painter.drawPixmap(pen.x, pen.y, cell.pixmap);
     pen.x += static_cast<int>(cell.pixmap.width() / cell.pixmap.devicePixelRatio()) + cellSpacing;
-    pen.rowHeight = std::max(pen.rowHeight, cell.height);
 }
 
 void PathListView::drawText(Pen &pen, Cell const &cell) const
@@ -278,13 +281,12 @@ void PathListView::drawText(Pen &pen, Cell const &cell) const
     if (pen.draws) {
         const QString text = displayText(cell);
         // Letters may begin behind the left edge and end as far behind the right one. A text that
-        // became longer, since fields aren't hidden any more, is cut.
-        const bool fits = fontMetrics().boundingRect(text).width() <= cell.width;
+        // became longer, since fields aren't hidden any more, is cut, and so are further lines.
+        const bool fits = isOneLine(text) && fontMetrics().boundingRect(text).width() <= cell.width;
         pen.painter.drawText(QRect(pen.x, pen.y, cell.width, cell.height),
                              fits ? int(Qt::TextDontClip) : 0, text);
     }
     pen.x += cellSpacing + cell.width;
-    pen.rowHeight = std::max(pen.rowHeight, cell.height);
 }
 
 QColor PathListView::markColor() const

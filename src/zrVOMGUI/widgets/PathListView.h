@@ -77,7 +77,8 @@ private:
     };
     struct Row {
         std::vector<Cell> cells;
-        int x = 0, y = 0, width = 0, height = 0; // In the viewport, since the last paint.
+        int x = 0, y = 0, width = 0; // In the viewport, since the last paint.
+        int height = 0;              // With half of the gap to the next row.
         bool selected = false, highlighted = false;
     };
     struct Pen;  // Where the next thing is drawn.
