@@ -160,6 +160,7 @@ private slots:
     void numberOfUpdatesPerCall();
     void sameNameDoesNothing();
     void sharedListIsFollowedWhenTold();
+    void otherObjectsTakeTheFocus();
     void editorsAreDestroyedInEitherOrder_data();
     void editorsAreDestroyedInEitherOrder();
 
@@ -178,6 +179,7 @@ private slots:
     void manyObjectsWithSomeThatRefuse();
 
     void deadObjectsAreHarmless();
+    void lineWhoseObjectsDieKeepsTheFocus();
     void listenersMayDestroyTheEditor_data();
     void listenersMayDestroyTheEditor();
     void confirmationMayDestroyTheEditor();
@@ -650,6 +652,22 @@ void tst_FieldLineEdit::sharedListIsFollowedWhenTold()
     QCOMPARE(first.text() + second.text(), QString());
 }
 
+/// KEPT: the line is disabled before it is bound again.
+void tst_FieldLineEdit::otherObjectsTakeTheFocus()
+{
+    const Things objects = {makeSized(1), makeSized(2)};
+    Form form({objects[0]});
+    QVERIFY(form.isActive);
+    QLineEdit next;
+    form.window.layout()->addWidget(&next);
+    next.show();
+    QVERIFY(form.edit->hasFocus());
+    form.edit->setObjs({PtrT<Object>(objects[1])});
+    QCOMPARE(form.shown(), QString("2"));
+    QVERIFY(!form.edit->hasFocus());
+    QVERIFY(next.hasFocus());
+}
+
 void tst_FieldLineEdit::editorsAreDestroyedInEitherOrder_data()
 {
     QTest::addColumn<bool>("ownerFirst");
@@ -912,6 +930,22 @@ void tst_FieldLineEdit::deadObjectsAreHarmless()
     QCOMPARE(form.shown(), QString());
     form.edit->setCreateOnDemand(false);
     QCOMPARE(form.shown(), QString("!"));
+}
+
+/// KEPT: an object that died counts among those that have the field.
+void tst_FieldLineEdit::lineWhoseObjectsDieKeepsTheFocus()
+{
+    Things objects = {makeSized(1)};
+    Form form(objects);
+    QVERIFY(form.isActive);
+    QLineEdit next;
+    form.window.layout()->addWidget(&next);
+    next.show();
+    QVERIFY(form.edit->hasFocus());
+    objects.clear();
+    form.edit->update();
+    QCOMPARE(form.shown(), QString());
+    QVERIFY(form.edit->hasFocus());
 }
 
 void tst_FieldLineEdit::listenersMayDestroyTheEditor_data()

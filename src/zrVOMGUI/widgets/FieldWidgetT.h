@@ -150,6 +150,8 @@ protected:
             LineEdit::clear();
     }
 
+    /// KEPT: a visible line is disabled before it is bound again, so that the focus goes on to
+    /// another widget. Users type no number for objects that they didn't see.
     void onSetObjs() override
     {
         const QPointer<QWidget> self(this);
