@@ -69,7 +69,7 @@ FieldSlot::FieldSlot(PackageModel &shownModel, char const *acceptedClass, QStrin
     setDragEnabled(true, false);
     setDefaultDropAction(Qt::LinkAction);
     setDefaultDragAction(Qt::LinkAction);
-    // The same in each state of the window, and where the palette changes later.
+    // The same in each state of the window.
     setBackgroundRole(QPalette::Base);
     // A long label is shortened to the slot, and doesn't widen it.
     textLabel->setMinimumWidth(1);
@@ -143,6 +143,9 @@ void FieldSlot::onConfirm()
     } catch (ZR::Error const &error) {
         emit said(QString::fromUtf8(error.what()));
         showField();
+    } catch (...) {
+        showField();
+        throw;
     }
 }
 

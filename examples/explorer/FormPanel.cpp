@@ -28,6 +28,7 @@ namespace Explorer {
 using ZR::cast;
 using ZR::PtrT;
 using ZR::RefT;
+using ZR::VOM::FieldString;
 using ZR::VOM::MFieldRef;
 using ZR::VOM::Object;
 using ZR::VOM::Path;
@@ -81,6 +82,11 @@ FormPanel::FormPanel(PackageModel &shownModel, QWidget *parent)
     column->addWidget(makeNumberBox());
     column->addWidget(makePathBox(), 1);
     showPaths({});
+}
+
+FormPanel::~FormPanel()
+{
+    disconnectTitle();
 }
 
 QGroupBox *FormPanel::makePackageBox()
@@ -250,7 +256,7 @@ void FormPanel::showPaths(Paths const &paths)
     rating->setObjs(size->getObjs());
     showPackage(objects.size() == 1 ? PtrT<Package>(cast<Package>(objects.front()))
                                     : PtrT<Package>());
-    title->setText(titleOf(objects));
+    showTitle(objects);
 }
 
 void FormPanel::showPackage(PtrT<Package> const &package)
@@ -262,14 +268,36 @@ void FormPanel::showPackage(PtrT<Package> const &package)
     dependency->setField(find("depends"));
 }
 
-QString FormPanel::titleOf(ObjPtrs const &objects) const
+void FormPanel::showTitle(ObjPtrs const &objects)
 {
+    disconnectTitle();
+    auto *const item = objects.size() == 1 ? cast<Item>(objects.front()) : nullptr;
     if (objects.empty())
-        return tr("Nothing is selected");
-    if (objects.size() > 1)
-        return tr("%1 objects").arg(objects.size());
-    auto const *const item = cast<Item>(objects.front());
-    return item ? QString::fromStdString(item->getName()) : QString();
+        title->setText(tr("Nothing is selected"));
+    else if (objects.size() > 1)
+        title->setText(tr("%1 objects").arg(objects.size()));
+    else
+        title->setText(item ? QString::fromStdString(item->getName()) : QString());
+    if (item)
+        followTitle(*item);
+}
+
+/// Its new names, and its death.
+void FormPanel::followTitle(Item &item)
+{
+    titleConnections.push_back(item.sigDelete.connect([this](auto const &) { showTitle({}); }));
+    auto *const name = cast<FieldString>(item.findField("name"));
+    if (!name)
+        return;
+    titleConnections.push_back(name->sigSet.connect(
+        [this, &item](auto const &) { title->setText(QString::fromStdString(item.getName())); }));
+}
+
+void FormPanel::disconnectTitle()
+{
+    for (ZR::Signal::Connection &held : titleConnections)
+        held.disconnect();
+    titleConnections.clear();
 }
 
 } // namespace Explorer

@@ -35,6 +35,7 @@ public:
     using Paths = std::vector<ZR::VOM::Path>;
 
     explicit FormPanel(PackageModel &shownModel, QWidget *parent = nullptr);
+    ~FormPanel() override;
 
     /// \name Widgets to follow, which don't outlive the form
     /// The form shows what was selected last, in whichever.
@@ -72,11 +73,14 @@ private:
     QLabel *addRow(QGridLayout &grid, QString const &label, QWidget &field, QWidget &more);
     Paths pathsTo(Objects const &objects) const;
     void showPackage(ZR::PtrT<Package> const &package);
-    QString titleOf(std::vector<ZR::PtrT<ZR::VOM::Object>> const &objects) const;
+    void showTitle(std::vector<ZR::PtrT<ZR::VOM::Object>> const &objects);
+    void followTitle(Item &item);
+    void disconnectTitle();
 
     PackageModel &model;
     std::map<QObject *, std::function<Paths()>> watched; // By widgets and their viewports.
     QLabel *title;
+    std::vector<ZR::Signal::Connection> titleConnections; // To the single object that it names.
     FieldSlot *maintainer, *dependency;
     NumberEdit *size, *rating;
     ZR::VOM::GUI::PathListView *pathList;

@@ -5,6 +5,7 @@
 #include "PackageXml.h"
 #include "TreePanel.h"
 
+#include "support/ErrorReports.h"
 #include "zrVOMGUI/transfer/MimeData.h"
 #include "zrVOMGUI/widgets/PathListView.h"
 
@@ -17,6 +18,7 @@
 #include <QToolButton>
 
 #include <memory>
+#include <stdexcept>
 
 using namespace Explorer;
 using ZR::cast;
@@ -24,6 +26,7 @@ using ZR::PtrT;
 using ZR::RefT;
 using ZR::VOM::FieldPtr;
 using ZR::VOM::FieldReal;
+using ZR::VOM::FieldString;
 using ZR::VOM::MFieldPtr;
 using ZR::VOM::Object;
 using ZR::VOM::Path;
@@ -56,13 +59,16 @@ private slots:
     void severalObjectsHaveNumbersAndPathsOnly();
     void eachObjectCountsOnce();
     void followsTheModel();
+    void titleFollowsTheName();
     void packageMayDie();
     void fieldMayGo();
 
     void dropsAreCarriedOut();
     void wrongDropsAreRefusedAndSaid();
     void refusalOfTheModelIsSaid();
+    void refusalOfTheDropItselfPutsTheOldValueBack_data();
     void refusalOfTheDropItselfPutsTheOldValueBack();
+    void refusedUnlinkPutsTheOldValueBack();
     void objectsOfOtherProgramsAreTakenIn();
     void buttonTakesTheLinkAway();
     void movedAwayObjectLeavesTheField();
@@ -218,6 +224,22 @@ void tst_FormPanel::followsTheModel()
     QVERIFY(form->getDependencySlot().isEnabled());
 }
 
+void tst_FormPanel::titleFollowsTheName()
+{
+    show({"a"});
+    const auto name = [this](char const *packageName) {
+        return PtrT<FieldString>(cast<FieldString>(package(packageName)->findField("name")));
+    };
+    const PtrT<FieldString> first = name("a"), second = name("b");
+    first->set("renamed");
+    QVERIFY(labels().contains("renamed"));
+    show({"b"});
+    first->set("again");
+    QVERIFY(labels().contains("b"));
+    form.reset();
+    second->set("again");
+}
+
 void tst_FormPanel::packageMayDie()
 {
     PackageModel other(readStatus(status));
@@ -228,6 +250,7 @@ void tst_FormPanel::packageMayDie()
     }
     QCOMPARE(links(), QString(" "));
     QVERIFY(!form->getMaintainerSlot().isEnabled());
+    QVERIFY(labels().contains("Nothing is selected"));
     form->grab();
     show({"a"});
     QCOMPARE(links(), QString("Ann b"));
@@ -287,10 +310,38 @@ void tst_FormPanel::refusalOfTheModelIsSaid()
     QCOMPARE(links(), QString("Ann b"));
 }
 
+void tst_FormPanel::refusalOfTheDropItselfPutsTheOldValueBack_data()
+{
+    QTest::addColumn<bool>("isOfTheModel");
+    QTest::newRow("the model's") << true;
+    QTest::newRow("any exception") << false;
+}
+
 void tst_FormPanel::refusalOfTheDropItselfPutsTheOldValueBack()
 {
+    QFETCH(bool, isOfTheModel);
+    const ZR::VOM::GUI::Reports reports;
     show({"a"});
-    maintainerOf("a").sigSet.connect([](auto const &) {});
+    // It is asked when the drag enters and when it drops, and then set.
+    int numAsked = 0;
+    maintainerOf("a").sigCanSet.connect([&](auto const &) {
+        if (++numAsked <= 2)
+            return;
+        if (isOfTheModel)
+            throw ZR::Error("Too late.");
+        throw std::runtime_error("broken");
+    });
+    QVERIFY(drop(form->getMaintainerSlot(), {maintainerOf("b").get()}));
+    QCOMPARE(numAsked, 3);
+    QCOMPARE(said, isOfTheModel ? QStringList{"Too late."} : QStringList());
+    QCOMPARE(reports.texts.size(), std::size_t(isOfTheModel ? 0 : 1));
+    QCOMPARE(links(), QString("Ann b"));
+    QCOMPARE(nameOf(maintainerOf("a").get().get()), QString("Ann"));
+}
+
+void tst_FormPanel::refusedUnlinkPutsTheOldValueBack()
+{
+    show({"a"});
     maintainerOf("a").sigCanSet.connect([](FieldPtr::SigCanSetData const &sigData) {
         if (!*sigData.value)
             throw ZR::Error("Somebody has to.");
