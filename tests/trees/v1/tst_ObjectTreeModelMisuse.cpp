@@ -99,6 +99,11 @@ private slots:
     void slotsMayDestroyTheModel();
     void slotThatEditsForEverEnds();
     void synchronousUpdateIsAllowed();
+    void synchronousUpdateHasAnEnd_data();
+    void synchronousUpdateHasAnEnd();
+    void marksInsideTheNewsOfMarksAreTold();
+    void busyRowIsMarkedOnceItIsDone();
+    void marksBetweenTwoSignalsAreToldAfterThem();
     void updateInsideUpdateReturns();
     void listenersThatRaiseAreReported();
     void everythingDiesBetweenMarkAndUpdate();
@@ -249,6 +254,112 @@ void tst_ObjectTreeModelMisuse::synchronousUpdateIsAllowed()
     QCOMPARE(scene.model->rowCount(scene.at({0, 3})), 3);
     scene.own().replace(0, 0, makeThings("y"));
     QCOMPARE(scene.model->rowCount(scene.at({0, 3})), 4);
+}
+
+void tst_ObjectTreeModelMisuse::synchronousUpdateHasAnEnd_data()
+{
+    QTest::addColumn<Deed>("start");
+    QTest::newRow("adding a row") << Deed([](Scene &s) { s.model->addRow({}, 0); });
+    QTest::newRow("fetching") << Deed([](Scene &s) { s.model->fetchMore(s.at({0, 3})); });
+    QTest::newRow("hiding fields") << Deed([](Scene &s) { s.model->hideFields(true); });
+    QTest::newRow("making an index")
+        << Deed([](Scene &s) { s.model->makeIndex(s.path("own", 0), true); });
+    QTest::newRow("an update") << Deed([](Scene &s) {
+        s.model->fetchMore(s.at({0, 3}));
+        s.own().replace(0, 0, makeThings("x"));
+    });
+}
+
+/// A host that updates at once, and answers each row by a change.
+void tst_ObjectTreeModelMisuse::synchronousUpdateHasAnEnd()
+{
+    QFETCH(Deed, start);
+    Scene scene;
+    scene.showFetched(2);
+    int numAdded = 0, depth = 0, maxDepth = 0;
+    scene.model->sigUpdate.connect([&](auto const &) {
+        maxDepth = std::max(maxDepth, ++depth);
+        if (maxDepth < 100)
+            scene.model->update();
+        --depth;
+    });
+    scene.model->sigRowsAdded.connect([&](auto const &) {
+        if (++numAdded > 200)
+            return;
+        scene.model->addRow(PtrT<Object>(scene.e()), 0);
+        scene.own().replace(0, 0, makeThings("y"));
+    });
+    start(scene);
+    QVERIFY(numAdded > 0 && numAdded < 200);
+    // What is left comes without another call of the host's.
+    QTRY_VERIFY(numAdded > 200);
+    QTest::qWait(20);
+    QCOMPARE(maxDepth, 1);
+    Told told(*scene.model);
+    scene.model->update();
+    QCOMPARE(told.take(), std::string());
+}
+
+/// By the event loop, so that there is an end.
+void tst_ObjectTreeModelMisuse::marksInsideTheNewsOfMarksAreTold()
+{
+    Scene scene;
+    scene.showFetched(3);
+    int numUpdates = 0;
+    scene.model->sigUpdate.connect([&](auto const &) {
+        scene.model->update();
+        if (++numUpdates <= 10)
+            scene.own().replace(0, 0, makeThings("x"));
+    });
+    scene.own().replace(0, 0, makeThings("x"));
+    QCOMPARE(numUpdates, 1);
+    QTRY_COMPARE(numUpdates, 11);
+    QCOMPARE(scene.model->rowCount(scene.at({0, 3})), 13);
+}
+
+/// An update that comes before leaves nothing that would have to be told again and again.
+void tst_ObjectTreeModelMisuse::busyRowIsMarkedOnceItIsDone()
+{
+    Scene scene;
+    int numUpdates = 0, numInSlot = -1;
+    scene.model->sigUpdate.connect([&](auto const &) { ++numUpdates; });
+    scene.model->sigRowsAdded.connect([&](auto const &) {
+        if (numInSlot >= 0)
+            return;
+        scene.model->addRow(PtrT<Object>(scene.b()), 1);
+        for (int i = 0; i < 10; ++i)
+            scene.model->update();
+        numInSlot = numUpdates;
+    });
+    scene.show();
+    QCOMPARE(numInSlot, 0);
+    QCOMPARE(numUpdates, 1);
+    scene.model->update();
+    QCOMPARE(numUpdates, 1);
+    QCOMPARE(scene.dump(1), std::string("'a'+\n'b'+\n"));
+}
+
+void tst_ObjectTreeModelMisuse::marksBetweenTwoSignalsAreToldAfterThem()
+{
+    Scene scene;
+    scene.showFetched(3);
+    int numUpdates = 0, numInSlot = -1;
+    scene.model->sigUpdate.connect([&](auto const &) { ++numUpdates; });
+    QObject context;
+    QObject::connect(scene.model.get(), &QAbstractItemModel::rowsAboutToBeInserted, &context, [&] {
+        if (numInSlot >= 0)
+            return;
+        scene.next().set(PtrT<Object>(scene.d()));
+        for (int i = 0; i < 10; ++i)
+            scene.model->update();
+        numInSlot = numUpdates;
+    });
+    scene.model->addRow(PtrT<Object>(scene.b()), 1);
+    QCOMPARE(numInSlot, 0);
+    QCOMPARE(numUpdates, 1);
+    scene.model->update();
+    QCOMPARE(numUpdates, 1);
+    QCOMPARE(scene.dump(scene.at({0, 1})), std::string("'d'\n"));
 }
 
 void tst_ObjectTreeModelMisuse::updateInsideUpdateReturns()

@@ -3,6 +3,7 @@
 #include "zrVOMGUI/trees/v1/private/ModelRows.h"
 
 #include <QPointer>
+#include <QTimer>
 
 #include <vector>
 
@@ -193,6 +194,10 @@ void ObjectTreeModel::update()
     constexpr int maxPasses = 4;
     if (isUpdating)
         return;
+    if (changesUnderWay != 0) {
+        isUntold = true;
+        return;
+    }
     const QPointer<ObjectTreeModel> self(this);
     isUpdating = true;
     for (int pass = 0; self && pass < maxPasses && root->pending != 0; ++pass)
@@ -201,7 +206,7 @@ void ObjectTreeModel::update()
         return;
     isUpdating = false;
     if (root->pending != 0)
-        requestUpdate();
+        tellMarks();
 }
 
 /// Updates the rows that are marked, parents first. Marks of this time go into the next pass, if
@@ -236,6 +241,48 @@ void ObjectTreeModel::updateMarked()
             top.row->requestUpdate(Row::below);
         visits.pop_back();
     }
+}
+
+/// Asks for an update, where one would do something.
+void ObjectTreeModel::tellMarks()
+{
+    if (isUpdating)
+        return;
+    isUntold = changesUnderWay != 0;
+    if (isUntold)
+        return;
+    if (isTelling) {
+        // From here a listener that updates at once, and marks rows each time, would have no end.
+        // Nor would posted events, which are all handled in one turn of the event loop.
+        if (!std::exchange(isToldLater, true))
+            QTimer::singleShot(1, this, &ObjectTreeModel::tellMarksLeft);
+        return;
+    }
+    const QPointer<ObjectTreeModel> self(this);
+    isTelling = true;
+    requestUpdate();
+    if (self)
+        isTelling = false;
+}
+
+/// From the event loop. It may be that of a dialog which a listener has opened.
+void ObjectTreeModel::tellMarksLeft()
+{
+    isToldLater = false;
+    if (root->pending == 0)
+        return;
+    const QPointer<ObjectTreeModel> self(this);
+    const bool before = std::exchange(isTelling, false);
+    tellMarks();
+    if (self)
+        isTelling = before;
+}
+
+/// After a change of rows: tells of marks that it held back.
+void ObjectTreeModel::tellUntold()
+{
+    if (isUntold && root->pending != 0)
+        tellMarks();
 }
 
 void ObjectTreeModel::requestUpdate()

@@ -47,8 +47,10 @@ ZRVOMGUI_EXPORT extern char const *const _ObjectTreeModelRowLabelObj0;
 ///
 /// A slot may change the objects while an update runs: that marks rows again, and the update goes
 /// on with them, a few times at most; sigUpdate tells of what is left. Between the two signals of
-/// one insertion, move or removal nothing is done but that. Exceptions from slots of signals here
-/// go to the error sink; those of Qt's must raise none.
+/// one insertion, move or removal nothing is done but that, and sigUpdate waits; nor does a row
+/// change that is changing already: sigUpdate tells of it afterwards. A slot may destroy the model,
+/// but not between those two signals, nor between those of a reset. Exceptions from slots of
+/// signals here go to the error sink; those of Qt's must raise none.
 ///
 /// Nothing here owns the objects. GUI thread only. Texts are UTF-8. The position of a row among its
 /// siblings is found near where it was found last: at once, unless many siblings have come, gone or
@@ -220,7 +222,8 @@ public:
     /// Whether a drop is allowed. While anybody listens, the listeners alone decide; else canDrop()
     /// of the transfers does.
     mutable SignalT<SigCanDropData> sigCanDrop;
-    /// Some row wants an update. Not emitted again until update() was called.
+    /// Some row wants an update. Not emitted again until update() was called, which a slot may do
+    /// at once. What a slot's own update() leaves, or its changes mark, is told by the event loop.
     SignalT<SigVoidData> sigUpdate;
 
 private:
@@ -241,6 +244,9 @@ private:
     ZR_LOCAL void forAllRows(RefT<Row> const &top, void (*operation)(RefT<Row> const &));
     ZR_LOCAL void updateAllRows();
     ZR_LOCAL void updateMarked();
+    ZR_LOCAL void tellMarks();
+    ZR_LOCAL void tellMarksLeft();
+    ZR_LOCAL void tellUntold();
     ZR_LOCAL bool makeDropData(DropData &drop, QMimeData const &mime, Qt::DropAction action,
                                int row, QModelIndex const &parent) const;
     ZR_LOCAL bool canDrop(DropData const &drop) const;
@@ -267,6 +273,9 @@ private:
     // Said to go, and perhaps still in their objects.
     std::map<Field const *, PtrT<Field>> leavingFields;
     bool isUpdating = false;      // Marks are collected, and not told.
+    bool isTelling = false;       // sigUpdate is being emitted for the sake of marks.
+    bool isUntold = false;        // Marks were made that nobody was told of.
+    bool isToldLater = false;     // The event loop will tell of marks.
     unsigned changesUnderWay = 0; // Between the first and the second signal of a change of rows.
     unsigned fieldNews = 0;       // While rows hear of a field that comes or goes.
 };

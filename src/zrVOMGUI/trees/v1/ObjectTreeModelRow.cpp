@@ -35,21 +35,34 @@ std::string ObjectTreeModel::Row::tooltip() const
 
 void ObjectTreeModel::Row::requestUpdate(unsigned bits)
 {
+    // Any update would pass a busy row over, and leave the mark.
+    if (busy && (bits & self))
+        isMarkedWhileBusy = true;
+    else if (mark(bits))
+        model->tellMarks();
+}
+
+/// Whether it is the first mark of all.
+bool ObjectTreeModel::Row::mark(unsigned bits)
+{
     for (Row *row = this; row && row->model; row = row->parent.get()) {
-        if ((row->pending & bits) == bits)
-            return;
         const bool isFirst = row->pending == 0;
         row->pending |= bits;
         if (!isFirst)
-            return;
+            return false;
+        if (row->kind == top)
+            return true;
         bits = below;
-        if (row->kind == top) {
-            // Last of all: a slot may destroy the model.
-            if (!row->model->isUpdating)
-                row->model->requestUpdate();
-            return;
-        }
     }
+    return false;
+}
+
+/// No signal from here, in the middle of functions: the end of runUpdate() tells.
+void ObjectTreeModel::Row::setIdle()
+{
+    busy = false;
+    if (std::exchange(isMarkedWhileBusy, false) && mark(self))
+        model->isUntold = true;
 }
 
 void ObjectTreeModel::Row::runUpdate(bool fetch)
@@ -60,8 +73,12 @@ void ObjectTreeModel::Row::runUpdate(bool fetch)
         requestUpdate(self);
         return;
     }
+    const QPointer<ObjectTreeModel> updated(model);
     const RefT<Row> held(*this);
     update(fetch);
+    // Last of all: a slot may destroy the model.
+    if (updated)
+        updated->tellUntold();
 }
 
 /// Makes the rows on the way of a path that may make them.

@@ -77,10 +77,14 @@ bool ObjectTreeModel::Root::isRowOf(std::size_t position) const
 /// What an update does that finds one item less: the rows behind it move to its place.
 void ObjectTreeModel::Root::takeOut(std::size_t position)
 {
-    const BusyRow busyRow(*this);
-    moveRows(position + 1, children.size() - position - 1, position);
+    {
+        const BusyRow busyRow(*this);
+        moveRows(position + 1, children.size() - position - 1, position);
+        if (!isGone())
+            setChildCount(children.size() - 1);
+    }
     if (!isGone())
-        setChildCount(children.size() - 1);
+        model->tellUntold();
 }
 
 void ObjectTreeModel::Root::disconnectItems()

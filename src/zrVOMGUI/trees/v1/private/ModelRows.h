@@ -49,9 +49,12 @@ public:
     /// them than there were; an update would heed it.
     enum : unsigned { below = 1, self = 2, fetching = 4 };
     /// Marks the row, and by `below` those above it. The first mark since the last update is told.
+    /// A busy row is marked as soon as it is no longer.
     void requestUpdate(unsigned bits);
     /// update(), unless the row is busy with one, or rows are changing at this moment: then a mark.
     void runUpdate(bool fetch);
+    /// After an update.
+    void setIdle();
     void fetchFor(bool create);
 
     bool isFetched() const { return childCount != 0 && children.size() == childCount; }
@@ -81,11 +84,13 @@ public:
 
     const Kind kind;
     bool busy = false;
+    bool isMarkedWhileBusy = false;
     unsigned numChanges = 0; // How often rows came, went or moved among the children.
 
 private:
     friend class ObjectTreeModel;
 
+    bool mark(unsigned bits);
     void removeChildren(std::size_t num);
     void removeLast(std::size_t num, std::vector<ObjRow> const &objRows);
 
@@ -106,7 +111,11 @@ public:
         , before(std::exchange(busyRow.busy, true))
     {
     }
-    ~BusyRow() { row->busy = before; }
+    ~BusyRow()
+    {
+        if (!before)
+            row->setIdle();
+    }
     BusyRow(BusyRow const &) = delete;
     BusyRow &operator=(BusyRow const &) = delete;
 
