@@ -40,6 +40,7 @@ private slots:
     void signalsAreTheModels();
     void foreignModelIsHarmless();
     void nullModelsAreHarmless();
+    void selectionModelOfTheHostStaysItsOwn();
     void deathTellsOfNoSelection();
     void listenersMayDestroyTheView_data();
     void listenersMayDestroyTheView();
@@ -316,6 +317,25 @@ void tst_ObjectTreeView1::nullModelsAreHarmless()
     scene.view->clear();
     scene.paint();
     QVERIFY(paths.empty());
+}
+
+void tst_ObjectTreeView1::selectionModelOfTheHostStaysItsOwn()
+{
+    ViewScene scene;
+    scene.show();
+    const QPointer<QItemSelectionModel> first = scene.view->selectionModel();
+    auto ofHost = std::make_unique<QItemSelectionModel>(&scene.view->items(), this);
+    const QPointer<QItemSelectionModel> watched = ofHost.get();
+    QAbstractItemView &base = *scene.view;
+    base.setSelectionModel(ofHost.get());
+    scene.view->setSel({scene.path()});
+    QVERIFY(ofHost->hasSelection());
+    scene.view.reset();
+    QVERIFY(watched);
+    QVERIFY(!first);
+    // Only now.
+    ofHost.reset();
+    QVERIFY(!watched);
 }
 
 void tst_ObjectTreeView1::deathTellsOfNoSelection()

@@ -37,7 +37,9 @@ ObjectTreeView::~ObjectTreeView()
     const LockBool lock(inPaint); // A dying view has no news of its selection.
     QItemSelectionModel *const before = selectionModel();
     QTreeView::setModel(nullptr);
-    delete before;
+    // A host may have set one of its own through a base class.
+    if (before && before->parent() == this)
+        delete before;
 }
 
 /// For whoever has the view as a QTreeView only; see the class comment.
