@@ -1,6 +1,7 @@
 #include "support/PaintCounter.h"
 #include "trees/v1/ViewScene.h"
 
+#include <QPointer>
 #include <QScreen>
 
 #include <functional>
@@ -35,6 +36,11 @@ private slots:
     void openBranchShowsWhatItIsFilledWith();
     void partOfTheViewIsFollowedByAll();
     void changesWhileRowsFollowAreNotLost();
+    void dialogInASlotCostsNoPaints();
+    void listsThatFillEachOtherDontHangThePaint();
+    void widgetsMadeWhileRowsFollowArePainted();
+    void updatesDisabledWhileRowsFollowStaySo_data();
+    void updatesDisabledWhileRowsFollowStaySo();
     void requestUpdatePaintsTheFrame();
     void requestUpdateIsPassedOverWhileOneIsOnTheWay();
     void rowUpdatePaintsAndPassesOver();
@@ -260,6 +266,128 @@ void tst_ObjectTreeView1Paint::changesWhileRowsFollowAreNotLost()
     scene.own().replace(0, 0, {makeThing("n")});
     QTRY_COMPARE(scene.view->items().rowCount(own), 23);
     QTRY_COMPARE(numLeft, -1);
+}
+
+/// While it is open, what changes elsewhere is painted.
+void tst_ObjectTreeView1Paint::dialogInASlotCostsNoPaints()
+{
+    ViewScene scene;
+    scene.show();
+    scene.open(scene.path());
+    scene.open(scene.path("own"));
+    PaintCounter paints(*scene.view->viewport());
+    paints.take();
+    const QPersistentModelIndex own = scene.row(scene.path("own"));
+    int numPaints = -1, numRows = 0;
+    scene.view->sigRowsAdded.connect([&](auto const &) {
+        if (numPaints >= 0)
+            return;
+        numPaints = 0;
+        scene.view->addRow(PtrT<Object>(scene.c()), 9);
+        scene.own().replace(0, 0, makeThings("n"));
+        QTest::qWait(50);
+        numPaints = paints.take();
+        numRows = scene.view->items().rowCount(own);
+    });
+    scene.view->addRow(PtrT<Object>(scene.b()), 9);
+    QVERIFY2(numPaints > 0 && numPaints < 5, std::to_string(numPaints).c_str());
+    QCOMPARE(numRows, 3);
+    QTRY_COMPARE(scene.dumpPainted(),
+                 std::string("'a' .part .next .all .own ..'n' ..'d' ..'e' 'b' 'c'"));
+}
+
+/// Each of two listeners answers rows of one list by emptying and filling the other.
+void tst_ObjectTreeView1Paint::listsThatFillEachOtherDontHangThePaint()
+{
+    ViewScene scene;
+    MFieldRef &more = addField<MFieldRef>(*scene.a(), "more", makeThings("m"));
+    scene.show();
+    for (Path const &to : {scene.path(), scene.path("own"), scene.path("more")})
+        scene.open(to);
+    scene.dump();
+    auto &model = dynamic_cast<GUI::V1::ObjectTreeModel &>(scene.view->items());
+    const QPersistentModelIndex own = scene.row(scene.path("own"));
+    const QPersistentModelIndex other = scene.row(scene.path("more"));
+    int numLeft = 1000;
+    const auto refill = [&](MFieldRef &list) {
+        if (--numLeft < 0)
+            return;
+        list.replace(0, list.getNum(), {});
+        model.update();
+        list.replace(0, 0, makeThings("n"));
+        model.update();
+    };
+    for (auto const &[at, list] : {std::pair(own, &more), std::pair(other, &scene.own())})
+        scene.view->sigRowsAdded.connect([&, at = at, list = list](auto const &sigData) {
+            if (model.getIndex(sigData.rows->front().row).parent() == at)
+                refill(*list);
+        });
+    scene.own().replace(0, 2, {});
+    model.update();
+    scene.own().replace(0, 0, makeThings("n"));
+    scene.paint();
+    QVERIFY2(numLeft > 900 && numLeft < 1000, std::to_string(numLeft).c_str());
+    numLeft = 0;
+    scene.paint();
+    QCOMPARE(model.rowCount(own), 1);
+    QCOMPARE(model.rowCount(other), 1);
+}
+
+void tst_ObjectTreeView1Paint::widgetsMadeWhileRowsFollowArePainted()
+{
+    ViewScene scene;
+    scene.show();
+    scene.open(scene.path());
+    scene.open(scene.path("own"));
+    PaintCounter paints(*scene.view->viewport());
+    QPointer<QWidget> indexWidget;
+    scene.view->sigRowsAdded.connect([&](auto const &) {
+        indexWidget = new QWidget;
+        new QWidget(indexWidget);
+        scene.view->setIndexWidget(scene.row(scene.path("own", 0)), indexWidget);
+        scene.view->openPersistentEditor(scene.row(scene.path("own")));
+    });
+    scene.own().replace(0, 0, makeThings("n"));
+    QVERIFY(paints.take() > 0);
+    QVERIFY(indexWidget);
+    QVERIFY(scene.view->viewport()->updatesEnabled());
+    int num = 0;
+    for (QWidget const *const child : scene.view->viewport()->findChildren<QWidget *>()) {
+        QVERIFY(child->updatesEnabled());
+        ++num;
+    }
+    QVERIFY(num > 1);
+}
+
+void tst_ObjectTreeView1Paint::updatesDisabledWhileRowsFollowStaySo_data()
+{
+    QTest::addColumn<bool>("isOfView");
+    QTest::newRow("of the view") << true;
+    QTest::newRow("of the viewport") << false;
+}
+
+void tst_ObjectTreeView1Paint::updatesDisabledWhileRowsFollowStaySo()
+{
+    QFETCH(bool, isOfView);
+    ViewScene scene;
+    scene.show();
+    scene.open(scene.path());
+    scene.open(scene.path("own"));
+    scene.view->setIndexWidget(scene.row(scene.path("own")), new QWidget);
+    PaintCounter paints(*scene.view->viewport());
+    QWidget &viewport = *scene.view->viewport();
+    QWidget &disabled = isOfView ? static_cast<QWidget &>(*scene.view) : viewport;
+    auto connection =
+        scene.view->sigRowsAdded.connect([&](auto const &) { disabled.setUpdatesEnabled(false); });
+    scene.own().replace(0, 0, makeThings("n"));
+    paints.take();
+    connection.disconnect();
+    QVERIFY(!viewport.updatesEnabled());
+    QVERIFY(!scene.view->indexWidget(scene.row(scene.path("own")))->updatesEnabled());
+    disabled.setUpdatesEnabled(true);
+    QVERIFY(viewport.updatesEnabled());
+    QVERIFY(scene.view->indexWidget(scene.row(scene.path("own")))->updatesEnabled());
+    QVERIFY(paints.take() > 0);
 }
 
 /// KEPT: the view's own repaint is that of its frame.

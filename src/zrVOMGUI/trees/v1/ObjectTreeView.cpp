@@ -115,18 +115,46 @@ class NoUpdates {
 public:
     explicit NoUpdates(QWidget &silenced)
         : widget(silenced)
-        , before(silenced.testAttribute(Qt::WA_UpdatesDisabled))
     {
         // Not setUpdatesEnabled(), which asks for an update itself in the end.
         widget.setAttribute(Qt::WA_UpdatesDisabled);
     }
-    ~NoUpdates() { widget.setAttribute(Qt::WA_UpdatesDisabled, before); }
+    ~NoUpdates()
+    {
+        widget.setAttribute(Qt::WA_UpdatesDisabled, false);
+        if (isDisabledByOthers())
+            disable();
+        else
+            enableChildren();
+    }
     NoUpdates(NoUpdates const &) = delete;
     NoUpdates &operator=(NoUpdates const &) = delete;
 
 private:
+    bool isDisabledByOthers() const
+    {
+        QWidget const *const parent = widget.parentWidget();
+        return widget.testAttribute(Qt::WA_ForceUpdatesDisabled) ||
+               (parent && !parent->updatesEnabled());
+    }
+    /// As Qt would have done it while this attribute kept it from doing so: with all below.
+    void disable()
+    {
+        const bool isOwnWish = widget.testAttribute(Qt::WA_ForceUpdatesDisabled);
+        widget.setUpdatesEnabled(false);
+        widget.setAttribute(Qt::WA_ForceUpdatesDisabled, isOwnWish);
+    }
+    /// Those made meanwhile, as index widgets and editors, have inherited the attribute.
+    void enableChildren()
+    {
+        for (QObject *const object : widget.children()) {
+            auto *const child = qobject_cast<QWidget *>(object);
+            if (child && !child->isWindow() && !child->testAttribute(Qt::WA_ForceUpdatesDisabled))
+                child->setUpdatesEnabled(true);
+        }
+    }
+
     QWidget &widget;
-    const bool before;
 };
 
 } // namespace
@@ -134,14 +162,17 @@ private:
 /// Brings the rows up to date, and Qt's layout of them.
 void ObjectTreeView::followModel(QPaintEvent const &event)
 {
+    // A listener may empty and fill open rows. One that does so each time must not hang the paint.
+    constexpr int maxPasses = 4;
     const LockBool lock(inPaint);
     const auto run = [this] {
         treeModel.update();
-        // A listener may empty and fill more of them.
-        while (!toFetch.empty())
+        for (int pass = 0; pass < maxPasses && !toFetch.empty(); ++pass)
             for (QPersistentModelIndex const &row : std::exchange(toFetch, {}))
                 if (row.isValid())
                     treeModel.fetchMore(row);
+        if (!toFetch.empty())
+            askedInPaint = true;
     };
     if (!updateRequested) {
         run();
