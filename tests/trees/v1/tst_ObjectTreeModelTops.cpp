@@ -11,7 +11,9 @@ class tst_ObjectTreeModelTops : public QObject {
 private slots:
     void addsObjectsAtPositions();
     void clampsThePosition();
+    void addsManyAtOnce_data();
     void addsManyAtOnce();
+    void hiddenFieldsValuesComeOneByOne();
     void addsFieldsOfAllFourKinds();
     void hiddenFieldsContributeTheirValues();
     void hiddenTopFieldsArentWatched();
@@ -21,6 +23,10 @@ private slots:
     void deathOfOneOfManyIsOneMove_data();
     void deathOfOneOfManyIsOneMove();
     void manyThatDieLeaveInAnyOrder();
+    void manyThatDieBesideAMarkMoveOnce_data();
+    void manyThatDieBesideAMarkMoveOnce();
+    void deathBesideHiddenFieldsTakesItsRowOut();
+    void hiddenFieldThatDiesTakesItsRowsOut();
     void itemsMayDieInTheNewsOfOthers();
     void fieldsThatDieLeave();
     void itemOfTwoRowsLeavesBoth();
@@ -53,9 +59,18 @@ void tst_ObjectTreeModelTops::clampsThePosition()
     QCOMPARE(scene.dump(), std::string("'c'\n'd'\nown+\n"));
 }
 
+void tst_ObjectTreeModelTops::addsManyAtOnce_data()
+{
+    QTest::addColumn<bool>("hideFields");
+    QTest::newRow("field rows") << false;
+    QTest::newRow("values only") << true;
+}
+
 void tst_ObjectTreeModelTops::addsManyAtOnce()
 {
+    QFETCH(bool, hideFields);
     Scene scene;
+    scene.model->hideFields(hideFields);
     scene.model->addRow(PtrT<Object>(scene.a()), 0);
     scene.model->addRow(PtrT<Object>(scene.b()), 1);
     Told told(*scene.model);
@@ -64,6 +79,15 @@ void tst_ObjectTreeModelTops::addsManyAtOnce()
     scene.model->addRows({}, 0);
     scene.model->addRows({PtrT<Object>(scene.e())}, 99);
     QCOMPARE(scene.dump(), std::string("'a'+\n'c'\n'd'\n'b'+\n'e'\n"));
+}
+
+void tst_ObjectTreeModelTops::hiddenFieldsValuesComeOneByOne()
+{
+    Scene scene;
+    scene.model->hideFields(true);
+    Told told(*scene.model);
+    scene.model->addRow(scene.own(), 0);
+    QCOMPARE(told.take(), std::string("insert top 0, added d, insert top 1, added e"));
 }
 
 void tst_ObjectTreeModelTops::addsFieldsOfAllFourKinds()
@@ -183,6 +207,82 @@ void tst_ObjectTreeModelTops::manyThatDieLeaveInAnyOrder()
         QCOMPARE(scene.dump(),
                  std::string(hideFields ? "'d'\n'e'\n'M'\n'T'\n" : "own+\n'M'\n'T'\n"));
     }
+}
+
+void tst_ObjectTreeModelTops::manyThatDieBesideAMarkMoveOnce_data()
+{
+    QTest::addColumn<bool>("hideFields");
+    QTest::addColumn<bool>("isDeath");
+    for (bool hideFields : {false, true}) {
+        char const *const mode = hideFields ? "values only" : "field rows";
+        QTest::addRow("%s, row added in a slot", mode) << hideFields << false;
+        QTest::addRow("%s, death in a slot", mode) << hideFields << true;
+    }
+}
+
+/// What a slot of the top's own change does waits for the next update, and a hidden view has none.
+void tst_ObjectTreeModelTops::manyThatDieBesideAMarkMoveOnce()
+{
+    QFETCH(bool, hideFields);
+    QFETCH(bool, isDeath);
+    constexpr int num = 300;
+    Scene scene;
+    scene.model->hideFields(hideFields);
+    Things tops = makeThings(std::string(num, 'x'));
+    scene.model->addRows({tops.begin(), tops.end()}, 0);
+    int numMoves = 0, numAdded = 0;
+    QObject context;
+    QObject::connect(scene.model.get(), &QAbstractItemModel::rowsMoved, &context,
+                     [&] { ++numMoves; });
+    // The first time, and again in the middle.
+    scene.model->sigRowsRemoved.connect([&](auto const &) {
+        if (numAdded++ % 100 != 0)
+            return;
+        if (isDeath)
+            tops[std::size_t(num - 1 - numAdded / 100)].reset();
+        else
+            scene.model->addRow(PtrT<Object>(scene.e()), 0);
+    });
+    for (int i = 0; i < num; ++i)
+        tops[std::size_t(i)].reset();
+    QVERIFY2(numMoves > 0 && numMoves < 2 * num, std::to_string(numMoves).c_str());
+    scene.model->update();
+    QCOMPARE(scene.dump(), std::string(isDeath ? "" : "'e'\n'e'\n'e'\n"));
+}
+
+/// Without a look at the values of the others, which follow with the next update.
+void tst_ObjectTreeModelTops::deathBesideHiddenFieldsTakesItsRowOut()
+{
+    Scene scene;
+    scene.model->hideFields(true);
+    Things tops = makeThings("pqr");
+    scene.model->addRow(PtrT<Object>(tops[0]), 0);
+    scene.model->addRow(scene.own(), 1);
+    scene.model->addRow(PtrT<Object>(tops[1]), 2);
+    scene.model->addRow(PtrT<Object>(tops[2]), 3);
+    scene.own().replace(0, 0, makeThings("n"));
+    Told told(*scene.model);
+    tops[1].reset();
+    QCOMPARE(told.take(), std::string("move top 4 to 3, removed q, remove top 4, update"));
+    QCOMPARE(scene.dump(), std::string("'p'\n'd'\n'e'\n'r'\n"));
+    tops[0].reset();
+    QCOMPARE(told.take(), std::string("move top 1-3 to 0, removed p, remove top 3"));
+    scene.model->update();
+    QCOMPARE(told.take(), std::string("insert top 0, added n"));
+    QCOMPARE(scene.dump(), std::string("'n'\n'd'\n'e'\n'r'\n"));
+}
+
+void tst_ObjectTreeModelTops::hiddenFieldThatDiesTakesItsRowsOut()
+{
+    Scene scene;
+    scene.model->hideFields(true);
+    const Things values = scene.own().getAll();
+    scene.model->addRow(scene.own(), 0);
+    scene.model->addRow(PtrT<Object>(scene.c()), 1);
+    Told told(*scene.model);
+    scene.a().reset();
+    QCOMPARE(told.take(), std::string("move top 2 to 0, removed e d, remove top 1-2, update"));
+    QCOMPARE(scene.dump(), std::string("'c'\n"));
 }
 
 void tst_ObjectTreeModelTops::itemsMayDieInTheNewsOfOthers()

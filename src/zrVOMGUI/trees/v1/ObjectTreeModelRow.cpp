@@ -75,6 +75,9 @@ void ObjectTreeModel::Row::runUpdate(bool fetch)
     }
     const QPointer<ObjectTreeModel> updated(model);
     const RefT<Row> held(*this);
+    // Nothing is left to do for the mark; those above it keep what was told from being told again.
+    if (pending & self)
+        pending = (pending & ~self) | below;
     update(fetch);
     // Last of all: a slot may destroy the model.
     if (updated)

@@ -33,7 +33,7 @@ std::size_t ObjectTreeModel::Root::addItems(std::vector<PtrT<Class>> const &newI
     added.reserve(newItems.size());
     for (PtrT<Class> const &target : newItems) {
         Item &item = *added.emplace_back(
-            new Item{target, cast<Field>(target) != nullptr, Signal::Connection()});
+            new Item{target, cast<Field>(target) != nullptr, Signal::Connection(), 0});
         numFields += item.isField;
         if (target)
             item.conDelete = target->sigDelete.connect(
@@ -41,47 +41,60 @@ std::size_t ObjectTreeModel::Root::addItems(std::vector<PtrT<Class>> const &newI
     }
     items.insert(items.begin() + static_cast<std::ptrdiff_t>(index),
                  std::make_move_iterator(added.begin()), std::make_move_iterator(added.end()));
-    runUpdate(false);
+    onItemsChanged();
     return index;
 }
 
-/// Items often die together, so one that dies costs no look at what the others stand for.
+/// Where an update is refused, rows and items part until the next one.
+void ObjectTreeModel::Root::onItemsChanged()
+{
+    isInStep = false;
+    runUpdate(false);
+}
+
+/// Items often die together, so one that dies costs no look at what the others stand for. Values of
+/// fields that stand among the rows in hide mode follow with the next update of the marked rows.
 void ObjectTreeModel::Root::onItemDelete(Item &item)
 {
     const auto place = std::find_if(items.begin(), items.end(),
                                     [&](auto const &other) { return other.get() == &item; });
     if (place == items.end())
         return;
-    const auto position = static_cast<std::size_t>(place - items.begin());
-    const bool isShown = isRowOf(position);
+    const bool isKnown = isInStep && !isGone() && !busy && model->changesUnderWay == 0;
+    const std::size_t first =
+        isKnown ? firstRowOf(static_cast<std::size_t>(place - items.begin())) : 0;
     const std::unique_ptr<Item> dead = std::move(*place);
     items.erase(place);
     numFields -= dead->isField;
     dead->conDelete.disconnect();
-    if (isShown)
-        takeOut(position);
+    if (isKnown)
+        takeOut(first, dead->numRows);
     else
-        runUpdate(false);
+        onItemsChanged();
 }
 
-/// Whether the rows are those of the items, and the one at a position that of the item there.
-bool ObjectTreeModel::Root::isRowOf(std::size_t position) const
+/// \pre isInStep.
+std::size_t ObjectTreeModel::Root::firstRowOf(std::size_t position) const
 {
-    if (isGone() || busy || model->changesUnderWay != 0 || (pending & self))
-        return false;
-    const bool isRowForRow = !model->hiding || numFields == 0;
-    return isRowForRow && children.size() == items.size() &&
-           standsFor(Wanted::of(*children[position]), entryOf(*items[position]));
+    if (isRowForRow)
+        return position;
+    std::size_t first = 0;
+    for (std::size_t i = 0; i < position; ++i)
+        first += items[i]->numRows;
+    return first;
 }
 
-/// What an update does that finds one item less: the rows behind it move to its place.
-void ObjectTreeModel::Root::takeOut(std::size_t position)
+/// The rows behind them move to their place, so that those go that are last.
+void ObjectTreeModel::Root::takeOut(std::size_t first, std::size_t count)
 {
     {
         const BusyRow busyRow(*this);
-        moveRows(position + 1, children.size() - position - 1, position);
+        const std::size_t end = first + count;
+        moveRows(end, children.size() - end, first);
         if (!isGone())
-            setChildCount(children.size() - 1);
+            setChildCount(children.size() - count);
+        if (!isRowForRow)
+            requestUpdate(self);
     }
     if (!isGone())
         model->tellUntold();
@@ -103,18 +116,25 @@ Wanted::Entry ObjectTreeModel::Root::entryOf(Item const &item) const
 void ObjectTreeModel::Root::update(bool)
 {
     const BusyRow busyRow(*this);
+    isRowForRow = !model->hiding || numFields == 0;
+    isInStep = true; // Unless items change meanwhile.
     const Wanted wanted = model->hiding ? wantedValues() : wantedItems();
     if (syncChildren(*this, wanted))
         setChildCount(wanted.entries.size());
+    else
+        isInStep = false;
 }
 
+/// Rows come one by one, as if each item had been added by itself.
 Wanted ObjectTreeModel::Root::wantedItems()
 {
     Wanted wanted;
-    wanted.inRuns = false;
+    wanted.insertsRuns = false;
     wanted.entries.reserve(items.size());
-    for (auto const &item : items)
+    for (auto const &item : items) {
         wanted.entries.push_back(entryOf(*item));
+        item->numRows = 1;
+    }
     wanted.make = [this](std::size_t i) -> RefT<Row> {
         if (i >= items.size())
             return {};
@@ -126,9 +146,11 @@ Wanted ObjectTreeModel::Root::wantedItems()
     return wanted;
 }
 
+/// One by one, too.
 Wanted ObjectTreeModel::Root::wantedValues()
 {
     Wanted wanted;
+    wanted.insertsRuns = false;
     std::vector<PtrT<Object>> values;
     for (auto const &item : items) {
         auto *const listed = item->isField ? cast<Field>(item->target) : nullptr;
@@ -136,7 +158,8 @@ Wanted ObjectTreeModel::Root::wantedValues()
             wanted.addValues(*listed);
         else
             wanted.entries.push_back(entryOf(*item));
-        for (std::size_t i = 0, num = listed ? countLinks(*listed) : 1; i < num; ++i)
+        item->numRows = listed ? countLinks(*listed) : 1;
+        for (std::size_t i = 0; i < item->numRows; ++i)
             values.push_back(listed ? linkAt(*listed, i)
                                     : PtrT<Object>(cast<Object>(item->target)));
     }
@@ -182,6 +205,7 @@ void ObjectTreeModel::Root::clear()
     disconnectItems();
     items.clear();
     numFields = 0;
+    isInStep = false;
     if (busy || model->changesUnderWay != 0) {
         requestUpdate(self);
         return;
@@ -193,6 +217,7 @@ void ObjectTreeModel::Root::clear()
     childCount = 0;
     dismantle(std::exchange(children, {}));
     ++numChanges;
+    isInStep = true;
     model->endResetModel();
 }
 
@@ -290,7 +315,7 @@ ObjectTreeModel::ObjectRow::Fields ObjectTreeModel::ObjectRow::acceptedFields() 
 Wanted ObjectTreeModel::ObjectRow::wantedFields(Fields const &fields)
 {
     Wanted wanted;
-    wanted.inRuns = false;
+    wanted.insertsRuns = wanted.movesRuns = false;
     wanted.entries.reserve(fields.size());
     for (PtrT<Field> const &shown : fields)
         wanted.entries.push_back({shown.get(), true});

@@ -189,7 +189,7 @@ private:
     bool insertRun(OldRows &old)
     {
         std::size_t end = pos + 1;
-        while (wanted.inRuns && end < wanted.entries.size() &&
+        while (wanted.insertsRuns && end < wanted.entries.size() &&
                old.find(wanted.entries[end]) == OldRows::none)
             ++end;
         std::vector<RefT<Row>> made;
@@ -215,7 +215,7 @@ private:
         std::size_t end = pos + 1;
         std::size_t last = found;
         old.take(found);
-        while (wanted.inRuns && end < wanted.entries.size()) {
+        while (wanted.movesRuns && end < wanted.entries.size()) {
             last = old.next(last);
             if (!old.is(last, wanted.entries[end]))
                 break;

@@ -136,7 +136,8 @@ struct Wanted {
     std::vector<Entry> entries;
     /// A row for an entry; null if what the row stands for has changed meanwhile.
     std::function<RefT<ObjectTreeModel::Row>(std::size_t)> make;
-    bool inRuns = true; // Rows come and move together, or each by itself.
+    bool insertsRuns = true; // Rows come together, or each by itself,
+    bool movesRuns = true;   // and move so.
 };
 
 /// The row of a field that died stands for nothing that could be wanted; that of an object that
@@ -169,18 +170,23 @@ private:
         PtrT<Class> target; // Null for an empty link. Not owned.
         bool isField;
         Signal::Connection conDelete;
+        std::size_t numRows = 0; // As of the last update.
     };
 
     Wanted::Entry entryOf(Item const &item) const;
     Wanted wantedItems();
     Wanted wantedValues();
+    void onItemsChanged();
     void onItemDelete(Item &item);
-    bool isRowOf(std::size_t position) const;
-    void takeOut(std::size_t position);
+    std::size_t firstRowOf(std::size_t position) const;
+    void takeOut(std::size_t first, std::size_t count);
     void disconnectItems();
 
     std::deque<std::unique_ptr<Item>> items; // Those in front often die first.
     std::size_t numFields = 0;               // Among the items.
+
+    bool isInStep = true;    // The children are the rows of the items, in their order.
+    bool isRowForRow = true; // One for each, as of the last update.
 };
 
 /// One object, or an empty link.
