@@ -33,6 +33,9 @@ private slots:
     void fieldThatLeavesItsObjectStays();
     void rowsStayWhenOthersCome();
     void clearResets();
+    void clearInASlotResetsAfterwards_data();
+    void clearInASlotResetsAfterwards();
+    void rowsAddedBehindAClearInASlotCome();
     void clearedItemsArentWatched();
     void nothingIsOwned();
 };
@@ -358,6 +361,71 @@ void tst_ObjectTreeModelTops::clearResets()
     QVERIFY(!old.data().isValid());
     scene.show();
     QCOMPARE(told.take(), std::string("insert top 0, added a, changed 'a'"));
+}
+
+void tst_ObjectTreeModelTops::clearInASlotResetsAfterwards_data()
+{
+    QTest::addColumn<bool>("isBetweenTheSignals");
+    QTest::addColumn<bool>("isOfTheTop");
+    QTest::addColumn<std::string>("news");
+    QTest::newRow("of a top row") << false << true
+                                  << std::string(
+                                         "insert top 1, added b, changed 'b', reset, clear");
+    QTest::newRow("of a top row, in between")
+        << true << true << std::string("insert top 1, added b, changed 'b', reset, clear");
+    QTest::newRow("of another row, in between")
+        << true << false << std::string("insert own 0-1, added d e, reset, clear");
+}
+
+void tst_ObjectTreeModelTops::clearInASlotResetsAfterwards()
+{
+    QFETCH(bool, isBetweenTheSignals);
+    QFETCH(bool, isOfTheTop);
+    Scene scene;
+    scene.showFetched(2);
+    Told told(*scene.model);
+    bool hasRows = false;
+    const auto clear = [&] { scene.model->clear(); };
+    QObject context;
+    if (isBetweenTheSignals)
+        QObject::connect(scene.model.get(), &QAbstractItemModel::rowsAboutToBeInserted, &context,
+                         clear);
+    else
+        scene.model->sigRowsAdded.connect([&](auto const &) { clear(); });
+    scene.model->sigClear.connect(
+        [&](auto const &) { hasRows = scene.model->rowCount(scene.top()) != 0; });
+    if (isOfTheTop)
+        scene.model->addRow(PtrT<Object>(scene.b()), 1);
+    else
+        scene.model->fetchMore(scene.at({0, 3}));
+    QTEST(told.take(), "news");
+    QVERIFY(!hasRows);
+    QCOMPARE(scene.dump(), std::string());
+}
+
+/// Those that were there go by the reset all the same.
+void tst_ObjectTreeModelTops::rowsAddedBehindAClearInASlotCome()
+{
+    Scene scene;
+    scene.showFetched(2);
+    Told told(*scene.model);
+    QObject context;
+    bool isCleared = false;
+    QObject::connect(scene.model.get(), &QAbstractItemModel::rowsAboutToBeInserted, &context, [&] {
+        if (std::exchange(isCleared, true))
+            return;
+        scene.model->clear();
+        scene.model->addRow(PtrT<Object>(scene.b()), 0);
+    });
+    bool isAdded = false;
+    scene.model->sigRowsAdded.connect([&](auto const &) {
+        if (!std::exchange(isAdded, true))
+            scene.model->addRow(PtrT<Object>(scene.c()), 1);
+    });
+    scene.model->fetchMore(scene.at({0, 3}));
+    scene.model->update();
+    QCOMPARE(told.take().find("removed"), std::string::npos);
+    QCOMPARE(scene.dump(1), std::string("'b'+\n'c'\n"));
 }
 
 void tst_ObjectTreeModelTops::clearedItemsArentWatched()

@@ -28,6 +28,7 @@ private slots:
     void topOfTheModelIsTheRoot();
     void topRowsOfAllKinds();
     void clearShowsTheTopAgain();
+    void clearInASlotShowsTheTopAgain();
     void selectionIsPaths();
     void selectionOfManyRowsInOneRange();
     void selectionAppendsAndPassesOver();
@@ -136,6 +137,20 @@ void tst_ObjectTreeView1::clearShowsTheTopAgain()
     QCOMPARE(scene.view->rootIndex(), scene.view->items().index(0, 0));
     scene.show();
     QCOMPARE(scene.dump(), std::string("'a'"));
+}
+
+void tst_ObjectTreeView1::clearInASlotShowsTheTopAgain()
+{
+    ViewScene scene;
+    scene.show();
+    scene.view->sigRowsAdded.connect([&](auto const &) { scene.view->clear(); });
+    bool isTop = false;
+    scene.view->sigClear.connect(
+        [&](auto const &) { isTop = scene.view->rootIndex() == scene.view->items().index(0, 0); });
+    scene.view->addRow(PtrT<Object>(scene.b()), 0);
+    QVERIFY(isTop);
+    QCOMPARE(scene.view->rootIndex(), scene.view->items().index(0, 0));
+    QCOMPARE(scene.dump(), std::string());
 }
 
 void tst_ObjectTreeView1::selectionIsPaths()

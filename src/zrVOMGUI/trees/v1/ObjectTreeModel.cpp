@@ -180,12 +180,7 @@ void ObjectTreeModel::addRows(std::vector<PtrT<Object>> const &objs, std::size_t
 
 void ObjectTreeModel::clear()
 {
-    const QPointer<ObjectTreeModel> self(this);
     root->clear();
-    if (!self)
-        return;
-    SigVoidData sigData;
-    sigClear.emitCatching(sigData, "ZR::VOM::GUI::V1::ObjectTreeModel::clear");
 }
 
 void ObjectTreeModel::update()
@@ -278,10 +273,12 @@ void ObjectTreeModel::tellMarksLeft()
         isTelling = before;
 }
 
-/// After a change of rows: tells of marks that it held back.
-void ObjectTreeModel::tellUntold()
+/// After a change of rows: what had to wait for its end.
+void ObjectTreeModel::finishChange()
 {
-    if (isUntold && root->pending != 0)
+    const QPointer<ObjectTreeModel> self(this);
+    root->runClear();
+    if (self && isUntold && root->pending != 0)
         tellMarks();
 }
 

@@ -158,7 +158,8 @@ public:
     /// In order from `index` on, each row told by itself. Faster for many than addRow() for each,
     /// which compares all rows there are with all items each time.
     void addRows(std::vector<PtrT<Object>> const &objs, std::size_t index);
-    /// Removes all, by a reset of the model; no sigRowsRemoved. sigClear follows.
+    /// Removes all, by a reset of the model; no sigRowsRemoved. sigClear follows. While the top
+    /// rows change, or in the middle of any change, both come when that is over.
     void clear();
     /// @}
 
@@ -216,7 +217,7 @@ public:
 
     SignalT<SigObjRowData> sigRowsAdded;   ///< Rows of objects have appeared.
     SignalT<SigObjRowData> sigRowsRemoved; ///< Rows of objects are about to go.
-    SignalT<SigVoidData> sigClear;         ///< clear() has run.
+    SignalT<SigVoidData> sigClear;         ///< clear() has removed all.
     /// Objects are dropped, for the host to insert.
     SignalT<SigDropData> sigDrop;
     /// Whether a drop is allowed. While anybody listens, the listeners alone decide; else canDrop()
@@ -246,7 +247,7 @@ private:
     ZR_LOCAL void updateMarked();
     ZR_LOCAL void tellMarks();
     ZR_LOCAL void tellMarksLeft();
-    ZR_LOCAL void tellUntold();
+    ZR_LOCAL void finishChange();
     ZR_LOCAL bool makeDropData(DropData &drop, QMimeData const &mime, Qt::DropAction action,
                                int row, QModelIndex const &parent) const;
     ZR_LOCAL bool canDrop(DropData const &drop) const;

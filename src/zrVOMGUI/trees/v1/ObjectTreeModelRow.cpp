@@ -81,7 +81,7 @@ void ObjectTreeModel::Row::runUpdate(bool fetch)
     update(fetch);
     // Last of all: a slot may destroy the model.
     if (updated)
-        updated->tellUntold();
+        updated->finishChange();
 }
 
 /// Makes the rows on the way of a path that may make them.

@@ -97,7 +97,7 @@ void ObjectTreeModel::Root::takeOut(std::size_t first, std::size_t count)
             requestUpdate(self);
     }
     if (!isGone())
-        model->tellUntold();
+        model->finishChange();
 }
 
 void ObjectTreeModel::Root::disconnectItems()
@@ -115,6 +115,10 @@ Wanted::Entry ObjectTreeModel::Root::entryOf(Item const &item) const
 /// last update of the top. Hosts that put fields there show field rows.
 void ObjectTreeModel::Root::update(bool)
 {
+    // Rows that are to go by a reset must not go one by one before.
+    runClear();
+    if (isGone())
+        return;
     const BusyRow busyRow(*this);
     isRowForRow = !model->hiding || numFields == 0;
     isInStep = true; // Unless items change meanwhile.
@@ -206,19 +210,28 @@ void ObjectTreeModel::Root::clear()
     items.clear();
     numFields = 0;
     isInStep = false;
-    if (busy || model->changesUnderWay != 0) {
-        requestUpdate(self);
+    isClearWanted = true;
+    runClear();
+}
+
+void ObjectTreeModel::Root::runClear()
+{
+    if (!isClearWanted || busy || model->changesUnderWay != 0)
         return;
-    }
+    isClearWanted = false;
     const RefT<Row> held(*this);
+    Change change(*model);
     model->beginResetModel();
-    if (isGone())
-        return;
     childCount = 0;
     dismantle(std::exchange(children, {}));
     ++numChanges;
-    isInStep = true;
+    isInStep = items.empty();
+    change.end();
     model->endResetModel();
+    if (isGone())
+        return;
+    SigVoidData sigData;
+    model->sigClear.emitCatching(sigData, "ZR::VOM::GUI::V1::ObjectTreeModel::clear");
 }
 
 ObjectTreeModel::ObjectRow::ObjectRow(ObjectTreeModel &newModel, PtrT<Row> const &newParent,

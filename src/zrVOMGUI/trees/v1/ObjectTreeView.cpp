@@ -22,6 +22,7 @@ ObjectTreeView::ObjectTreeView(RefT<Exporter> const &exporter, RefT<Xml::Importe
     QTreeView::setModel(&treeModel);
     delete before;
     showTop();
+    connect(&treeModel, &QAbstractItemModel::modelReset, this, &ObjectTreeView::showTop);
     connect(&treeModel, &QAbstractItemModel::dataChanged, this, &ObjectTreeView::onRowChanged);
     updateConnection = treeModel.sigUpdate.connect(*this, &ObjectTreeView::onObjTreeModelSigUpdate);
 }
@@ -59,7 +60,7 @@ QModelIndex ObjectTreeView::getTop() const
     return treeModel.index(0, 0, QModelIndex());
 }
 
-/// The model's top is the invisible root of what is shown.
+/// The model's top is the invisible root of what is shown. A reset makes all indexes invalid.
 void ObjectTreeView::showTop()
 {
     if (model() == &treeModel)
@@ -68,10 +69,7 @@ void ObjectTreeView::showTop()
 
 void ObjectTreeView::clear()
 {
-    const QPointer<ObjectTreeView> self(this);
     treeModel.clear();
-    if (self)
-        showTop(); // The reset made all indexes invalid.
 }
 
 void ObjectTreeView::update(ObjectRow *row)

@@ -161,6 +161,8 @@ public:
     Way find(Path const &path, std::size_t pos, bool create) override;
     void getPath(Path &path, RefT<Row> const &child) override;
     virtual void clear();
+    /// Does what clear() had to leave, unless rows are changing still.
+    void runClear();
 
     /// Puts items before a position, or at the end, and returns where they are.
     std::size_t addItems(std::vector<PtrT<Class>> const &newItems, std::size_t index);
@@ -185,6 +187,7 @@ private:
     std::deque<std::unique_ptr<Item>> items; // Those in front often die first.
     std::size_t numFields = 0;               // Among the items.
 
+    bool isClearWanted = false;
     bool isInStep = true;    // The children are the rows of the items, in their order.
     bool isRowForRow = true; // One for each, as of the last update.
 };
