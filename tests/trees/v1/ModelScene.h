@@ -20,7 +20,7 @@ using ZR::PtrT;
 using ZR::RefT;
 
 /// What a model tells, in words, such as "insert own 0-1" or "added 'd' 'e'". Rows go by their
-/// text, the top is "top".
+/// text, the top is "top". A removal is noted when it is about to be, all else when it is done.
 class Told {
 public:
     explicit Told(ObjectTreeModel &toldModel)
@@ -32,7 +32,8 @@ public:
             };
         };
         QObject::connect(&model, &QAbstractItemModel::rowsInserted, &context, rows("insert "));
-        QObject::connect(&model, &QAbstractItemModel::rowsRemoved, &context, rows("remove "));
+        QObject::connect(&model, &QAbstractItemModel::rowsAboutToBeRemoved, &context,
+                         rows("remove "));
         QObject::connect(
             &model, &QAbstractItemModel::rowsMoved, &context,
             [this](QModelIndex const &parent, int first, int last, QModelIndex const &, int to) {

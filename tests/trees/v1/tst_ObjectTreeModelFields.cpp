@@ -14,7 +14,7 @@ private slots:
     void fieldsMayLeaveInsideEachOther_data() { modes(); }
     void fieldsMayLeaveInsideEachOther();
     void newsInsideNewsReachesAllRows();
-    void fieldMayChangeItsObject();
+    void fieldThatLeavesAndComesBackHasARow();
 
 private:
     static void modes()
@@ -94,7 +94,7 @@ void tst_ObjectTreeModelFields::newsInsideNewsReachesAllRows()
     QCOMPARE(scene.dump(2), std::string("'a'+\n.all+\n'a'+\n.all+\n"));
 }
 
-void tst_ObjectTreeModelFields::fieldMayChangeItsObject()
+void tst_ObjectTreeModelFields::fieldThatLeavesAndComesBackHasARow()
 {
     Scene scene;
     scene.showFetched(2);

@@ -16,7 +16,7 @@ private slots:
     void signalsMark_data();
     void signalsMark();
     void linkSetToTheSameDoesntMark();
-    void fieldsShownAgainMarkOnce();
+    void valuesOfFieldsShownAgainArentWatched();
     void fieldsThatComeAreWatched();
     void fieldsThatGoArentWatched();
     void worksWithoutAFieldName();
@@ -157,7 +157,7 @@ void tst_ObjectTreeModelHideMode::linkSetToTheSameDoesntMark()
     QCOMPARE(told.take(), std::string());
 }
 
-void tst_ObjectTreeModelHideMode::fieldsShownAgainMarkOnce()
+void tst_ObjectTreeModelHideMode::valuesOfFieldsShownAgainArentWatched()
 {
     HidingScene scene;
     scene.showFetched(1);

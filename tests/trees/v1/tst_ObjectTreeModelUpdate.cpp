@@ -81,6 +81,7 @@ private slots:
     void listChangesCostOneSignalARun();
     void equalValuesHaveTheirRows();
     void equalValuesMatchInOrder();
+    void removalIsToldWhileRowsAreThere();
     void subtreesGoFromTheBottom();
     void objectsThatDieBecomeVoid();
     void rowsStayRowsWhenTheyMove();
@@ -283,18 +284,21 @@ void tst_ObjectTreeModelUpdate::fieldRowsComeOneByOne()
     QCOMPARE(told.take(), std::string("insert 'a' 4, insert 'a' 5, changed y"));
 }
 
+/// Each by itself, while the row of the field that has gone is left behind them.
 void tst_ObjectTreeModelUpdate::fieldRowsMoveToTheirPlace()
 {
     Scene scene;
-    scene.showFetched(2);
-    // A field that leaves and comes back is a new one; one that is left out by the filter isn't.
-    const RefT<Field> part(scene.part());
-    scene.model->addAcceptedField("", "own");
-    scene.model->addAcceptedField("", "all");
+    scene.showFetched(3);
+    const QPersistentModelIndex own = scene.at({0, 3});
+    const Things held = scene.own().getAll();
     Told told(*scene.model);
-    removeField(*scene.a(), scene.all());
+    removeField(*scene.a(), scene.part());
     scene.model->update();
-    QCOMPARE(told.take(), std::string("update, move 'a' 1 to 0, changed , remove 'a' 1"));
+    QCOMPARE(told.take(), std::string("update, move 'a' 1 to 0, move 'a' 2 to 1, move 'a' 3 to 2, "
+                                      "changed 'b', removed b, remove  0, remove 'a' 3"));
+    QCOMPARE(own.row(), 2);
+    QCOMPARE(scene.dump(3), std::string("'a'+\n.next+\n..'c'\n.all+\n..'b'+\n..'c'\n"
+                                        ".own+\n..'d'\n..'e'\n"));
 }
 
 void tst_ObjectTreeModelUpdate::fieldRowsGo()
@@ -400,6 +404,27 @@ void tst_ObjectTreeModelUpdate::equalValuesMatchInOrder()
     QCOMPARE(scene.become("2311"), std::string("move own 1 to 0, move own 3 to 1"));
     QCOMPARE(row(2), first);
     QCOMPARE(row(3), second);
+}
+
+/// Before Qt hears of it, so that rows can be asked still.
+void tst_ObjectTreeModelUpdate::removalIsToldWhileRowsAreThere()
+{
+    ListScene scene("1234");
+    std::string asked, order;
+    scene.model->sigRowsRemoved.connect([&](auto const &sigData) {
+        order += 'o';
+        for (auto const &row : *sigData.rows) {
+            const QModelIndex index = scene.model->getIndex(row.row);
+            Path path{PtrT<Object>()};
+            asked += textOf(index) + (scene.model->getPath(index, path) ? textOf(path) : "") + ' ';
+        }
+    });
+    QObject context;
+    QObject::connect(scene.model.get(), &QAbstractItemModel::rowsAboutToBeRemoved, &context,
+                     [&] { order += 'q'; });
+    QCOMPARE(scene.become("12"), std::string("removed 4 3, remove own 2-3"));
+    QCOMPARE(asked, std::string("'4'a/own[3] '3'a/own[2] "));
+    QCOMPARE(order, std::string("oq"));
 }
 
 void tst_ObjectTreeModelUpdate::subtreesGoFromTheBottom()
