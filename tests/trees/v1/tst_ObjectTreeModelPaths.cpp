@@ -21,6 +21,7 @@ private slots:
     void refusedFieldsLeadNowhere();
     void foreignFieldsLeadNowhere();
     void positionsBeyondTheEndLeadNowhere();
+    void hiddenPositionsBeyondAFieldLeadToTheNext();
     void fieldsOfTheTypeLeadNowhereInHideMode();
     void topHasNoPath();
     void pathsOfDeadFieldsEndBefore();
@@ -189,12 +190,22 @@ void tst_ObjectTreeModelPaths::positionsBeyondTheEndLeadNowhere()
         Scene scene;
         scene.model->hideFields(hideFields);
         scene.show();
-        // Beyond the end of "all" other values follow in hide mode.
-        for (std::size_t index : {std::size_t(2), std::numeric_limits<std::size_t>::max()}) {
-            QVERIFY(!scene.model->makeIndex(scene.path("all", index), true).isValid());
+        const std::size_t huge = std::numeric_limits<std::size_t>::max();
+        for (std::size_t index : {std::size_t(2), huge, huge - 3})
             QVERIFY(!scene.model->makeIndex(scene.path("own", index), true).isValid());
-        }
+        QVERIFY(!scene.model->makeIndex(scene.path("all", huge), true).isValid());
     }
+}
+
+/// Positions count on from field to field.
+void tst_ObjectTreeModelPaths::hiddenPositionsBeyondAFieldLeadToTheNext()
+{
+    Scene scene;
+    scene.model->hideFields(true);
+    scene.show();
+    QCOMPARE(textOf(scene.model->makeIndex(scene.path("all", 2), true)), std::string("'d'"));
+    QCOMPARE(textOf(scene.model->makeIndex(scene.path("all", 3), true)), std::string("'e'"));
+    QVERIFY(!scene.model->makeIndex(scene.path("all", 4), true).isValid());
 }
 
 void tst_ObjectTreeModelPaths::fieldsOfTheTypeLeadNowhereInHideMode()

@@ -229,7 +229,9 @@ public:
 
 private:
     struct ZR_LOCAL DropData;
+    class ZR_LOCAL Count;
     class ZR_LOCAL Change;
+    class ZR_LOCAL FieldNews;
 
     template <class Operation>
     void relayout(Operation const &change);

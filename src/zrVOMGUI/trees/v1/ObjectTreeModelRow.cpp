@@ -142,8 +142,6 @@ void ObjectTreeModel::Row::insertRows(std::size_t pos, std::vector<RefT<Row>> co
     const int first = static_cast<int>(pos);
     model->beginInsertRows(model->getIndex(*this), first,
                            first + static_cast<int>(rows.size()) - 1);
-    if (isGone())
-        return;
     std::vector<Row *> inserted;
     inserted.reserve(rows.size());
     for (RefT<Row> const &row : rows) {
@@ -178,7 +176,7 @@ void ObjectTreeModel::Row::moveRows(std::size_t from, std::size_t count, std::si
     const int first = static_cast<int>(from);
     const int last = static_cast<int>(from + count) - 1;
     const int before = static_cast<int>(to);
-    if (!model->beginMoveRows(index, first, last, index, before) || isGone())
+    if (!model->beginMoveRows(index, first, last, index, before))
         return;
     const auto begin = children.begin();
     std::rotate(begin + before, begin + first, begin + last + 1);
@@ -254,8 +252,6 @@ void ObjectTreeModel::Row::removeLast(std::size_t num, std::vector<ObjRow> const
     const auto first = children.begin() + static_cast<std::ptrdiff_t>(num);
     model->beginRemoveRows(model->getIndex(*this), static_cast<int>(num),
                            static_cast<int>(children.size()) - 1);
-    if (isGone())
-        return;
     std::vector<Row *> removed(first, children.end());
     children.erase(first, children.end());
     childCount = children.size();

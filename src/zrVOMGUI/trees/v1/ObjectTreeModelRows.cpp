@@ -423,7 +423,7 @@ void ObjectTreeModel::ObjectRow::onAddField(SigAddFieldData const &sigData)
     const RefT<Field> added = object->getField(sigData.index);
     // News inside news of another field end those, and rows behind this one miss them.
     const bool isInside = model->fieldNews != 0;
-    const Change news(*model, &ObjectTreeModel::fieldNews);
+    const FieldNews news(*model);
     model->leavingFields.erase(added.get());
     if (isLabel(*added)) {
         emitDataChanged();
@@ -441,7 +441,7 @@ void ObjectTreeModel::ObjectRow::onRemoveField(SigRemoveFieldData const &sigData
     const RefT<Row> held(*this);
     const RefT<Field> removed = *sigData.field;
     const bool isInside = model->fieldNews != 0;
-    const Change news(*model, &ObjectTreeModel::fieldNews);
+    const FieldNews news(*model);
     model->setLeaving(*removed);
     if (isLabel(*removed)) {
         conLabel.disconnect();
@@ -451,18 +451,18 @@ void ObjectTreeModel::ObjectRow::onRemoveField(SigRemoveFieldData const &sigData
         requestUpdate(self);
 }
 
-/// The position of a field's value among all of them; the number of children beyond the field's
-/// end.
+/// The position of a field's value among all of them, which beyond the field's end is that of a
+/// value of the next ones; the number of children beyond the end of all.
 std::size_t ObjectTreeModel::ObjectRow::positionOfValue(Path::Entry const &value) const
 {
+    const std::size_t num = children.size();
     std::size_t begin = 0;
     for (PtrT<Field> const &shown : acceptedFields()) {
-        const std::size_t num = countLinks(*shown);
         if (shown == value.field)
-            return value.index < num ? begin + value.index : children.size();
-        begin += num;
+            return begin <= num ? begin + std::min(value.index, num - begin) : num;
+        begin += countLinks(*shown);
     }
-    return children.size();
+    return num;
 }
 
 ObjectTreeModel::Row::Way ObjectTreeModel::ObjectRow::find(Path const &path, std::size_t pos,

@@ -8,24 +8,22 @@
 
 namespace ZR::VOM::GUI::V1 {
 
-/// From the first to the second signal of an insertion, a move or a removal of rows; or while a row
-/// hears of a field. Lies on the stack, and outlives the model if a slot destroys it.
-class ObjectTreeModel::Change {
+/// Counts what is under way in a model. Lies on the stack, and outlives the model if a slot
+/// destroys it.
+class ObjectTreeModel::Count {
 public:
     using Counter = unsigned ObjectTreeModel::*;
 
-    explicit Change(ObjectTreeModel &changedModel,
-                    Counter newCounter = &ObjectTreeModel::changesUnderWay)
-        : model(&changedModel)
+    Count(ObjectTreeModel &countingModel, Counter newCounter)
+        : model(&countingModel)
         , counter(newCounter)
     {
         ++(model->*counter);
     }
-    ~Change() { end(); }
-    Change(Change const &) = delete;
-    Change &operator=(Change const &) = delete;
+    ~Count() { end(); }
+    Count(Count const &) = delete;
+    Count &operator=(Count const &) = delete;
 
-    /// Before the second signal: rows are whole again.
     void end()
     {
         if (model)
@@ -36,6 +34,25 @@ public:
 private:
     QPointer<ObjectTreeModel> model;
     const Counter counter;
+};
+
+/// From the first to the second signal of an insertion, a move, a removal or a reset of rows. It
+/// ends before the second: rows are whole again then.
+class ObjectTreeModel::Change : public Count {
+public:
+    explicit Change(ObjectTreeModel &changedModel)
+        : Count(changedModel, &ObjectTreeModel::changesUnderWay)
+    {
+    }
+};
+
+/// While a row hears of a field that comes or goes.
+class ObjectTreeModel::FieldNews : public Count {
+public:
+    explicit FieldNews(ObjectTreeModel &hearingModel)
+        : Count(hearingModel, &ObjectTreeModel::fieldNews)
+    {
+    }
 };
 
 } // namespace ZR::VOM::GUI::V1
