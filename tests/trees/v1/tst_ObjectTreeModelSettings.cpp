@@ -31,6 +31,7 @@ private slots:
     void beginsWithDefaults();
     void keepsExporterAndImporter();
     void labelSettersLayOutOnChangeOnly();
+    void settersStoreBetweenTheSignals();
     void iconSetterAlwaysLaysOut();
     void deletedIconDatabaseIsDropped();
     void dropActionsAreTold();
@@ -92,6 +93,29 @@ void tst_ObjectTreeModelSettings::labelSettersLayOutOnChangeOnly()
     QCOMPARE(model.getFieldName(), std::string("name"));
     QCOMPARE(model.getFieldTooltip(), std::string("tip"));
     QVERIFY(!model.isTypeName());
+}
+
+void tst_ObjectTreeModelSettings::settersStoreBetweenTheSignals()
+{
+    ObjectTreeModel model;
+    std::string told;
+    const auto note = [&] {
+        told += model.getFieldName() + '|' + model.getFieldTooltip() + '|' +
+                (model.isTypeName() ? "type" : "") + '|' + (model.getObjIconDB() ? "icons" : "") +
+                ' ';
+    };
+    QObject context;
+    QObject::connect(&model, &QAbstractItemModel::layoutAboutToBeChanged, &context, note);
+    QObject::connect(&model, &QAbstractItemModel::layoutChanged, &context, note);
+    const auto take = [&] { return std::exchange(told, {}); };
+    model.setFieldName("n");
+    QCOMPARE(take(), std::string("||type| n||type| "));
+    model.setFieldTooltip("t");
+    QCOMPARE(take(), std::string("n||type| n|t|type| "));
+    model.setTypeName(false);
+    QCOMPARE(take(), std::string("n|t|type| n|t|| "));
+    model.setObjIconDB(RefT<OneIcon>(new OneIcon));
+    QCOMPARE(take(), std::string("n|t|| n|t||icons "));
 }
 
 void tst_ObjectTreeModelSettings::iconSetterAlwaysLaysOut()

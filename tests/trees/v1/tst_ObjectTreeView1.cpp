@@ -4,6 +4,8 @@
 
 #include <QStandardItemModel>
 
+#include <algorithm>
+#include <cstdint>
 #include <utility>
 
 using namespace view_test;
@@ -36,9 +38,12 @@ private slots:
     void pathsOfOthersSelectNothing();
     void pathThatIsThereTwiceIsSelectedOnce();
     void selectionIsToldAtOnce();
+    void selectionInTheNewsOfALeavingRowFetchesNothing_data();
+    void selectionInTheNewsOfALeavingRowFetchesNothing();
     void showSelScrollsToTheLastOne();
     void selectableClassesLimitNothing();
     void signalsAreTheModels();
+    void signalsStandInOrder();
     void foreignModelIsHarmless();
     void nullModelsAreHarmless();
     void selectionModelOfTheHostStaysItsOwn();
@@ -241,6 +246,41 @@ void tst_ObjectTreeView1::selectionIsToldAtOnce()
     QCOMPARE(num, 2);
 }
 
+void tst_ObjectTreeView1::selectionInTheNewsOfALeavingRowFetchesNothing_data()
+{
+    QTest::addColumn<bool>("isFetched");
+    QTest::newRow("a row that is there is selected") << true;
+    QTest::newRow("a row that isn't is passed over") << false;
+}
+
+/// Which comes between two signals of Qt's.
+void tst_ObjectTreeView1::selectionInTheNewsOfALeavingRowFetchesNothing()
+{
+    QFETCH(bool, isFetched);
+    ViewScene scene;
+    scene.show();
+    RefT<Object> other = makeThing("x");
+    scene.view->addRow(PtrT<Object>(other), 0);
+    if (isFetched)
+        scene.open(scene.path("own"));
+    scene.view->setSel({Path(PtrT<Object>(other))});
+    int num = 0;
+    scene.view->sigSelChange.connect([&](auto const &) {
+        if (num++ == 0)
+            scene.view->setSel({scene.path("own", 1)});
+    });
+    other.reset();
+    std::vector<Path> paths;
+    scene.view->getSel(paths);
+    QVERIFY(num > 0);
+    QCOMPARE(paths.size(), std::size_t(isFetched));
+    // Afterwards it is as ever.
+    scene.view->setSel({scene.path("own", 1)});
+    paths.clear();
+    scene.view->getSel(paths);
+    QCOMPARE(paths.size(), std::size_t(1));
+}
+
 void tst_ObjectTreeView1::showSelScrollsToTheLastOne()
 {
     ViewScene scene;
@@ -282,6 +322,18 @@ void tst_ObjectTreeView1::signalsAreTheModels()
     QCOMPARE(&scene.view->sigClear, &model.sigClear);
     QCOMPARE(&scene.view->sigCanDrop, &model.sigCanDrop);
     QCOMPARE(&scene.view->sigDrop, &model.sigDrop);
+}
+
+void tst_ObjectTreeView1::signalsStandInOrder()
+{
+    const View1 view;
+    const GUI::V1::ObjectTreeModel model;
+    const auto at = [](auto const &signal) { return reinterpret_cast<std::uintptr_t>(&signal); };
+    const std::uintptr_t ofModel[] = {at(model.sigRowsAdded), at(model.sigRowsRemoved),
+                                      at(model.sigClear),     at(model.sigDrop),
+                                      at(model.sigCanDrop),   at(model.sigUpdate)};
+    QVERIFY(std::is_sorted(std::begin(ofModel), std::end(ofModel)));
+    QVERIFY(at(view.sigSelChange) < at(view.sigDoubleClick));
 }
 
 void tst_ObjectTreeView1::foreignModelIsHarmless()

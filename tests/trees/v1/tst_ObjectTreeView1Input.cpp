@@ -76,12 +76,15 @@ private slots:
     void dropActionFollowsExactlyOneKey_data();
     void dropActionFollowsExactlyOneKey();
     void actionThatIsNotAllowedIsTheDefault();
+    void dropThatIsNotAllowedIsTheDefault();
+    void withoutADefaultOnlyKeysLetDropsLand();
     void eventWithoutPayloadStaysAsItIs();
     void nothingExpandedLeavesTheList();
     void expandedRowsAreNumbers();
     void expandedRowsGoBelowEachOther();
     void expandedRowsAreAppended();
     void emptyListExpandsTheTop();
+    void emptyListFetchesTheTop();
     void listExpandsWhatItSays();
     void missingRowEndsItsLevel_data();
     void missingRowEndsItsLevel();
@@ -210,6 +213,35 @@ void tst_ObjectTreeView1Input::actionThatIsNotAllowedIsTheDefault()
     QCOMPARE(control.dropAction(), Qt::CopyAction);
 }
 
+void tst_ObjectTreeView1Input::dropThatIsNotAllowedIsTheDefault()
+{
+    DropScene scene;
+    scene.view->setDefaultDropAction(Qt::LinkAction);
+    scene.view->setDropActions(Qt::CopyAction | Qt::LinkAction);
+    QDropEvent event(scene.onOwn, allActions, scene.mime.get(), Qt::LeftButton, Qt::ShiftModifier);
+    scene.view->dropEvent(&event);
+    QCOMPARE(scene.numDrops, 1);
+    QCOMPARE(scene.dropped, Qt::LinkAction);
+}
+
+/// Qt's own default is to ignore.
+void tst_ObjectTreeView1Input::withoutADefaultOnlyKeysLetDropsLand()
+{
+    DropScene scene;
+    QCOMPARE(scene.view->defaultDropAction(), Qt::IgnoreAction);
+    QDragMoveEvent move(scene.onOwn, allActions, scene.mime.get(), Qt::LeftButton, Qt::NoModifier);
+    scene.view->dragMoveEvent(&move);
+    QCOMPARE(move.dropAction(), Qt::IgnoreAction);
+    QVERIFY(!move.isAccepted());
+    QDropEvent plain(scene.onOwn, allActions, scene.mime.get(), Qt::LeftButton, Qt::NoModifier);
+    scene.view->dropEvent(&plain);
+    QCOMPARE(scene.numDrops, 0);
+    QDropEvent shift(scene.onOwn, allActions, scene.mime.get(), Qt::LeftButton, Qt::ShiftModifier);
+    scene.view->dropEvent(&shift);
+    QCOMPARE(scene.numDrops, 1);
+    QCOMPARE(scene.dropped, Qt::MoveAction);
+}
+
 void tst_ObjectTreeView1Input::eventWithoutPayloadStaysAsItIs()
 {
     DropScene scene;
@@ -279,6 +311,18 @@ void tst_ObjectTreeView1Input::emptyListExpandsTheTop()
     scene.view->expandRows({});
     QVERIFY(scene.view->isExpanded(scene.view->rootIndex()));
     QCOMPARE(scene.dump(), std::string("'a'"));
+}
+
+/// Which brings values of hidden fields up to date that nobody watches.
+void tst_ObjectTreeView1Input::emptyListFetchesTheTop()
+{
+    ViewScene scene;
+    scene.view->hideFields(true);
+    scene.view->addRow(scene.own(), 0);
+    scene.own().replace(0, 0, makeThings("n"));
+    QCOMPARE(scene.dump(), std::string("'d' 'e'"));
+    scene.view->expandRows({});
+    QCOMPARE(scene.dump(), std::string("'n' 'd' 'e'"));
 }
 
 void tst_ObjectTreeView1Input::listExpandsWhatItSays()

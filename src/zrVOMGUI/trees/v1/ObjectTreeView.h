@@ -149,7 +149,10 @@ public:
     /// Appends the paths of the selected rows.
     void getSel(std::vector<Path> &paths) const;
     /// Selects the rows that the paths lead to, which are fetched. Paths that lead nowhere are
-    /// passed over. Does nothing while the rows follow the model on the way into a paint.
+    /// passed over. Does nothing while the rows follow the model on the way into a paint. Where a
+    /// selected row leaves outside of a paint, as by the death of a top object, sigSelChange comes
+    /// in the middle of that change: what is selected from there must have its row, since none is
+    /// fetched before the change is over.
     void setSel(std::vector<Path> const &paths);
     /// Scrolls to the selected rows, one after the other.
     void showSel();
