@@ -20,6 +20,8 @@
 //   row is a hundred places from where it was found last.
 // - v1 positions: a thousand times the index of a row anywhere, from its address.
 // - v1 new list: each value is replaced; one insertion and one removal.
+// - v1 burst: a link of an open row is set so many times in V1's view, which repaints once. More
+//   repaints end the program.
 //
 // The last ones grow with the square of the size, since each run of rows is a change of its own.
 // They are measured up to 100,000:
@@ -32,10 +34,12 @@
 #include "support/Table.h"
 
 #include "zrVOMGUI/trees/ObjectTreeView.h"
-#include "zrVOMGUI/trees/v1/ObjectTreeModel.h"
+#include "zrVOMGUI/trees/v1/ObjectTreeView.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QScrollBar>
+#include <QTimer>
 #include <QTreeView>
 
 #include <algorithm>
@@ -150,6 +154,51 @@ void measureV1Closed(RefT<Object> const &owner, unsigned num, Table &table)
               }));
 }
 
+/// How often a widget is painted.
+class Paints : public QObject {
+public:
+    int num = 0;
+
+private:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        num += event->type() == QEvent::Paint;
+        return false;
+    }
+};
+
+void measureV1Burst(unsigned num, Table &table)
+{
+    const RefT<Object> owner(new Object);
+    const Objects two = makeObjects(2);
+    FieldPtr &link = addField<FieldPtr>(*owner, "link", PtrT<Object>(two[0]));
+    GUI::V1::ObjectTreeView view;
+    view.addRow(PtrT<Object>(owner), 0);
+    view.resize(500, 700);
+    view.show();
+    view.expandRows({0, 0, -1, -1});
+    const auto settle = [] {
+        // Qt's item views lay new rows out by a timer of their own.
+        for (int i = 0; i < 10; ++i)
+            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents,
+                                            1);
+    };
+    QTimer alarm;
+    alarm.start(1);
+    settle();
+    Paints paints;
+    view.viewport()->installEventFilter(&paints);
+    table.add("v1 burst", num, timesOf(1, [&] {
+                  for (unsigned i = 0; i < num; ++i)
+                      link.set(PtrT<Object>(two[(i + 1) % 2]));
+                  settle();
+              }));
+    if (paints.num != 1) {
+        std::fprintf(stderr, "%d repaints of a burst\n", paints.num);
+        std::exit(1);
+    }
+}
+
 void measureV1(unsigned num, Table &table)
 {
     constexpr int repeat = 9;
@@ -252,8 +301,10 @@ int main(int argc, char **argv)
     Table table;
     for (unsigned num = 10000; num <= largest; num *= 10)
         measure(num, table);
-    for (unsigned num = 10000; num <= largest; num *= 10)
+    for (unsigned num = 10000; num <= largest; num *= 10) {
         measureV1(num, table);
+        measureV1Burst(num, table);
+    }
     for (unsigned num = 10000; num <= std::min(largest, largestSquare); num *= 10) {
         measureV1Runs(num, table);
         measureV1Tops(num, table);
