@@ -117,9 +117,13 @@ private slots:
     void unknownPayloadReachesTheRule();
     void xmlIsReadWithAnImporter();
     void badXmlRefuses();
+    void copiesAloneAreReadButNotJudged();
     void listenersAloneDecide();
+    void listenersAreToldAllOfIt();
+    void listenersAreAskedAboutEachHiddenField();
     void throwingListenerIsReported();
     void dropWithoutListenersChangesNothing();
+    void dropThatIsRefusedAtLastIsNotAccepted();
     void hiddenPositionsAreNone();
 };
 
@@ -386,6 +390,70 @@ void tst_ObjectTreeDrops::badXmlRefuses()
     QVERIFY(!canDrop(scene, payload, scene.row(scene.path("own"))));
 }
 
+void tst_ObjectTreeDrops::copiesAloneAreReadButNotJudged()
+{
+    const RefT<ClassRegistry> registry(new ClassRegistry);
+    registry->add<Thing>(ClassRegistry::Fields::Open);
+    Scene scene({}, RefT<Xml::Importer>(new XmlImporter(registry)));
+    scene.show();
+    Told told(*scene.view);
+    Payload payload({makeThing("x")}, {makeThing("copy")}, RefT<Exporter>(new XmlExporter));
+    payload.mime->removeFormat(MimeType::objects);
+    // One object would be taken.
+    QVERIFY(!canDrop(scene, payload, scene.row(scene.path("part"))));
+    drop(scene, payload, scene.row(scene.path("own")));
+    QCOMPARE(told.num, 1);
+    QVERIFY(!told.fromXml && told.objs.empty());
+    QCOMPARE(told.copies, payload.copies);
+}
+
+void tst_ObjectTreeDrops::listenersAreToldAllOfIt()
+{
+    Scene scene;
+    scene.show();
+    const Payload payload({scene.e()}, {makeThing("copy")});
+    int numAsked = 0;
+    scene.view->sigCanDrop.connect([&](auto const &sigData) {
+        ++numAsked;
+        QCOMPARE(sigData.action, Qt::MoveAction);
+        QCOMPARE(sigData.objs, payload.objs);
+        QCOMPARE(sigData.copyObjs, payload.copies);
+        QVERIFY(!sigData.fromXml && !*sigData.result);
+        for (Path const *path : {&sigData.rowPath, &sigData.path}) {
+            QCOMPARE(path->getType(), Path::Field);
+            QCOMPARE(path->getRoot().get(), scene.a().get());
+            QCOMPARE(path->getLast().field.get(), &scene.field("own"));
+        }
+        QCOMPARE(sigData.rowIndex, std::size_t(1));
+        QCOMPARE(sigData.index, std::size_t(1));
+    });
+    QVERIFY(!canDrop(scene, payload, scene.row(scene.path("own")), 1, Qt::MoveAction));
+    QCOMPARE(numAsked, 1);
+}
+
+void tst_ObjectTreeDrops::listenersAreAskedAboutEachHiddenField()
+{
+    Scene scene;
+    scene.view->setHideFields(true);
+    for (char const *name : {"part", "all", "own"})
+        scene.view->addAcceptedField("", name);
+    scene.show();
+    scene.dump();
+    std::string asked;
+    scene.view->sigCanDrop.connect([&](auto const &sigData) {
+        asked += ' ' + sigData.path.getLast().field->name;
+        QCOMPARE(sigData.path.getNum(), std::size_t(1));
+        QCOMPARE(sigData.path.getRoot().get(), scene.a().get());
+        QCOMPARE(sigData.rowPath.getNum(), std::size_t(0));
+        QCOMPARE(sigData.rowPath.getObj().get(), scene.a().get());
+        QCOMPARE(sigData.index, noPosition);
+        QCOMPARE(sigData.rowIndex, std::size_t(2));
+    });
+    const Payload payload({scene.e()});
+    QVERIFY(!canDrop(scene, payload, scene.row(scene.path()), 2));
+    QCOMPARE(asked, std::string(" part all own"));
+}
+
 void tst_ObjectTreeDrops::listenersAloneDecide()
 {
     Scene scene;
@@ -425,6 +493,35 @@ void tst_ObjectTreeDrops::dropWithoutListenersChangesNothing()
     scene.show();
     drop(scene, Payload({scene.e()}), scene.row(scene.path("part")));
     QCOMPARE(fieldOf<FieldRef>(scene.a(), "part").get(), scene.b());
+}
+
+void tst_ObjectTreeDrops::dropThatIsRefusedAtLastIsNotAccepted()
+{
+    Scene scene;
+    scene.show();
+    scene.open(scene.path());
+    scene.dump();
+    const Payload payload({scene.e()});
+    int numAsked = 0, numTold = 0;
+    bool refuses = true;
+    scene.view->sigCanDrop.connect(
+        [&](auto const &sigData) { *sigData.result = !refuses || ++numAsked == 1; });
+    scene.view->sigDrop.connect([&](auto const &) { ++numTold; });
+    const auto isAccepted = [&] {
+        const int height = scene.view->getRowHeight();
+        const QPoint pos(100, height + height / 2);
+        QDragEnterEvent enter(pos, Qt::MoveAction, payload.mime.get(), Qt::LeftButton, {});
+        QApplication::sendEvent(scene.view->viewport(), &enter);
+        QDropEvent event(pos, Qt::MoveAction, payload.mime.get(), Qt::LeftButton, {});
+        QApplication::sendEvent(scene.view->viewport(), &event);
+        return event.isAccepted();
+    };
+    QVERIFY(!isAccepted());
+    QCOMPARE(numAsked, 2);
+    QCOMPARE(numTold, 0);
+    refuses = false;
+    QVERIFY(isAccepted());
+    QCOMPARE(numTold, 1);
 }
 
 void tst_ObjectTreeDrops::hiddenPositionsAreNone()

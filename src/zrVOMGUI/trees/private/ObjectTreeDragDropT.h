@@ -51,9 +51,13 @@ QMimeData *ObjectTreeT<View, RowTraits>::makeMimeData(std::vector<RowHandle> con
     // KEPT: copies are made at every start of a drag, whether or not it ends in a copy, and kept
     // with the originals until the next. Receivers find both by address, also after the drop.
     std::vector<RefT<Object>> copies;
+    const QPointer<QObject const> alive(this);
     tryCatch(where<Traits>("makeMimeData"), [&] { copies = Copy::Context().copy(objs); });
-    dragObjs = std::move(objs);
-    dragCopyObjs = std::move(copies);
+    if (!alive)
+        return nullptr;
+    // What was dragged last dies when all is done: listeners may do anything then.
+    dragObjs.swap(objs);
+    dragCopyObjs.swap(copies);
     return createMimeData(xmlExporter, &dragObjs, &dragCopyObjs);
 }
 
@@ -72,8 +76,11 @@ void ObjectTreeT<View, RowTraits>::onDrop(QDropEvent &event, typename Traits::Ro
                                           std::size_t index)
 {
     DropData dropData;
-    if (!findDropField(dropData, event, event.dropAction(), row, index))
+    if (!findDropField(dropData, event, event.dropAction(), row, index)) {
+        // Nobody is told, so that a sender must not take it for moved.
+        event.ignore();
         return;
+    }
     SigDropData sigData(dropData);
     tryEmit(self().sigDrop, sigData, where<Traits>("onDrop").c_str());
 }
@@ -150,8 +157,8 @@ bool ObjectTreeT<View, RowTraits>::makeDropData(DropData &dropData, QMimeData co
 template <class View, class RowTraits>
 bool ObjectTreeT<View, RowTraits>::canDrop(DropData const &dropData)
 {
+    const QPointer<QObject const> alive(this);
     if (self().sigCanDrop.hasSlots()) {
-        const QPointer<QObject const> alive(this);
         bool result = false;
         SigCanDropData sigData(dropData, &result);
         tryEmit(self().sigCanDrop, sigData, where<Traits>("canDrop").c_str());
@@ -159,8 +166,9 @@ bool ObjectTreeT<View, RowTraits>::canDrop(DropData const &dropData)
     }
     if (dropData.path.getType() != Path::Field)
         return false;
-    return GUI::canDrop(dropData.action, dropData.objs, RefT<Field>(dropData.path.getLast().field),
-                        dropData.index);
+    const bool result = GUI::canDrop(dropData.action, dropData.objs,
+                                     RefT<Field>(dropData.path.getLast().field), dropData.index);
+    return result && alive;
 }
 
 } // namespace ZR::VOM::GUI::Trees
