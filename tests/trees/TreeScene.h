@@ -8,6 +8,7 @@
 #include <QScrollBar>
 #include <QTest>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -32,6 +33,16 @@ public:
     using View::onEditRowConfirm;
     using View::onRequestContextMenu;
     using View::View;
+    std::function<void()> onDelete; ///< Called when a row dies.
+
+protected:
+    void onDeleteRow(typename View::Row &row) override
+    {
+        View::onDeleteRow(row);
+        // It may destroy the view.
+        if (const std::function<void()> call = onDelete)
+            call();
+    }
 };
 using Tree = TreeT<ObjectTreeView>;
 

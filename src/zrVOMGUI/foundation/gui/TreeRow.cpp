@@ -202,6 +202,9 @@ bool TreeRow::canAdopt(TreeRow &child) const
 {
     if (child.attached || child.isRoot() || (child.engine && child.engine != engine))
         return false;
+    // The way up may be long, and new rows are many.
+    if (!child.branch && !child.hasLoose)
+        return &child != this;
     for (TreeRow const *row = this; row; row = row->rowParent)
         if (row == &child)
             return false;

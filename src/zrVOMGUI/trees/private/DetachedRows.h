@@ -26,11 +26,7 @@ public:
     {
         list = this;
     }
-    virtual ~DetachedRows()
-    {
-        if (view)
-            list = outer;
-    }
+    virtual ~DetachedRows() { leave(); }
     DetachedRows(DetachedRows const &) = delete;
     DetachedRows &operator=(DetachedRows const &) = delete;
 
@@ -43,9 +39,16 @@ public:
 protected:
     /// Appends the rows, each with all that is below it.
     virtual void collect(std::vector<ZR::GUI::TreeRow *> &found) const = 0;
+    /// Nobody looks for rows here any more. For destructors in which rows die, and hosts are told.
+    void leave()
+    {
+        if (view)
+            list = outer;
+        view.clear();
+    }
 
 private:
-    const QPointer<QObject> view; // Null once it is destroyed, and the list with it.
+    QPointer<QObject> view; // Null once it is destroyed, and the list with it.
     DetachedRows *&list;
     DetachedRows *const outer;
 };

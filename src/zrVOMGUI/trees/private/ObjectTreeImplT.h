@@ -41,7 +41,6 @@ void ObjectTreeT<View, RowTraits>::letGo()
     dragCopyObjs.clear();
 }
 
-/// Calls an operation of every row that exists, from the root down.
 template <class View, class RowTraits>
 void ObjectTreeT<View, RowTraits>::forEachRow(void (VoidRow::*operation)())
 {
@@ -152,8 +151,7 @@ std::size_t ObjectTreeT<View, RowTraits>::addRow(MFieldRef &field, std::size_t p
 template <class View, class RowTraits>
 void ObjectTreeT<View, RowTraits>::addRows(std::vector<PtrT<Object>> const &objs, std::size_t pos)
 {
-    for (PtrT<Object> const &obj : objs)
-        pos = root().addItem(obj.get(), pos) + 1;
+    root().addItems(objs, pos);
 }
 
 template <class View, class RowTraits>

@@ -14,6 +14,7 @@
 #include <QWidget>
 
 #include <algorithm>
+#include <deque>
 #include <map>
 #include <string>
 #include <type_traits>
@@ -22,6 +23,9 @@
 #include <vector>
 
 namespace ZR::VOM::GUI::Trees {
+
+/// Where a path leads from a row on.
+enum class Way { EndsHere, GoesOn, EndsNowhere };
 
 /// Rows of objects, of their link fields, and of the values of these.
 ///
@@ -64,47 +68,73 @@ struct RowsT {
         return path.getType() == Path::Object && !path.getObj();
     }
 
-    /// The path of a value at a position of the field at the end of `path`. The same path if it
+    /// Leads on to a value at a position of the field at the end of the path. Nothing happens if it
     /// ends at no field: the one of the row above is gone.
-    static Path valuePath(Path path, std::size_t position)
+    static void extendByValue(Path &path, std::size_t position)
     {
         if (path.getType() != Path::Field)
-            return path;
+            return;
         const PtrT<Field> field = path.getLast().field;
         path.pop();
         if (auto *const list = cast<MField>(field))
             path.pushValue(*list, position);
         else if (field)
             path.pushValue(*field);
-        return path;
     }
 
-    /// Opens a row, asks one of its children for a row, and closes it again unless it is to stay
-    /// open on the way to what was found.
-    template <class Ask>
-    static RowHandle askOpened(VoidRow &row, bool keepOpen, Ask const &ask)
+    /// A row that a path goes on from.
+    struct Passed {
+        explicit Passed(VoidRow &passed)
+            : row(passed)
+            , watch(passed)
+        {
+        }
+        VoidRow &row;
+        const Watch watch;
+    };
+
+    /// Has a row make its children, for which it is open meanwhile. False if it is gone.
+    ///
+    /// It is closed at once and not when the search is over: what comes and goes below a closed row
+    /// moves no line, whereas each row of an open chain would be told up to its top.
+    static bool makeChildren(VoidRow &row)
     {
         const Watch watch(row);
         const bool wasOpen = row.isOpen();
         row.setOpen(true);
         row.onUpdate(true);
         if (watch.isGone())
-            return {};
-        const RowHandle found = ask();
-        if (!watch.isGone() && !(found && keepOpen))
-            row.setOpen(wasOpen);
-        return found;
+            return false;
+        row.setOpen(wasOpen);
+        return true;
     }
 
-    static RowHandle askChild(VoidRow &row, std::size_t position, Path const &path,
-                              std::size_t step, bool keepOpen)
+    /// VoidRow::makeRow(), in a loop: models may be deep.
+    static RowHandle followPath(VoidRow &from, Path const &path, std::size_t step, bool keepOpen)
     {
-        VoidRow *const child = row.getVoidChild(position);
-        return child ? child->makeRow(path, step, keepOpen) : RowHandle();
+        std::deque<Passed> passed;
+        VoidRow *row = &from;
+        while (row && row->wayOf(path, step) == Way::GoesOn) {
+            if (!makeChildren(*row))
+                return {};
+            if (keepOpen)
+                passed.emplace_back(*row);
+            row = row->getNext(path, step);
+        }
+        if (!row || row->wayOf(path, step) != Way::EndsHere)
+            return {};
+        // From the lowest on, again for the lines.
+        for (; !passed.empty(); passed.pop_back())
+            if (!passed.back().watch.isGone())
+                passed.back().row.setOpen(true);
+        return row->getHandle();
     }
 
     /// The children of a row while they are rebuilt: those that were there, by what they stand for
     /// and in their order, and those that will be.
+    ///
+    /// What isn't wanted any more dies with this, of which a host is told, who may do anything. So
+    /// a rebuild ends with it.
     template <class Key>
     class Rebuild : DetachedRows {
     public:
@@ -112,7 +142,10 @@ struct RowsT {
             : DetachedRows(ofView, ofView.detachedRows)
         {
         }
+        ~Rebuild() override { this->leave(); }
         void keep(Key key, OwnedRow &&row) { old.emplace(key, std::move(row)); }
+        /// Takes a row that no longer stands for anything.
+        void drop(OwnedRow &&row) { dropped.push_back(std::move(row)); }
         /// The first old row of the key, which isn't an old one any more; empty if there is none.
         OwnedRow take(Key key)
         {
@@ -136,7 +169,7 @@ struct RowsT {
         }
 
         std::multimap<Key, OwnedRow> old; // Keeps the order of equal keys.
-        OwnedRows rows;
+        OwnedRows rows, dropped;
     };
 };
 
@@ -164,10 +197,13 @@ public:
         View *const view = this->getView();
         if (!view || !obj)
             return;
-        if (!updateLabel(*view) || !obj)
+        const Watch watch(*this);
+        updateLabel(*view);
+        // A database is a host's code, and the label may have held the object last.
+        if (watch.isGone() || !this->getView() || !obj)
             return;
         if (wanted && (this->isOpen() || view->isHideFields())) {
-            if (rowsDirty)
+            if (rowsDirty && !isRebuilding)
                 rebuild(*view);
         } else if (numDirty) {
             this->setNumChildRows(acceptedFields(*view).size());
@@ -175,21 +211,31 @@ public:
         }
     }
 
-    Path getPath() override
+    void extendPath(Path &path) override
     {
-        if (lost && !View::Traits::lostRowsHavePaths)
-            return Path(PtrT<VOM::Object>());
-        const Path path = VoidRow::getPath();
-        return isEmpty(path) ? Path(obj) : path;
+        if (lost && !View::Traits::lostRowsHavePaths) {
+            path = Path(PtrT<VOM::Object>());
+            return;
+        }
+        VoidRow::extendPath(path);
+        if (isEmpty(path))
+            path = Path(obj);
     }
 
-    RowHandle makeRow(Path const &path, std::size_t step, bool keepOpen) override
+    Way wayOf(Path const &path, std::size_t step) const override
     {
-        if (step == path.getNum())
-            return this->getHandle();
-        return askOpened(*this, keepOpen, [&] {
-            return askChild(*this, childOf(path.get(step).field), path, step, keepOpen);
-        });
+        return step == path.getNum() ? Way::EndsHere : Way::GoesOn;
+    }
+
+    VoidRow *getNext(Path const &path, std::size_t &step) const override
+    {
+        PtrT<Field> const &field = path.get(step).field;
+        const std::size_t num = field ? this->getNumMadeChildRows() : 0;
+        for (std::size_t i = 0; i < num; ++i)
+            if (auto *const row = dynamic_cast<FieldRow *>(this->getVoidChild(i));
+                row && row->getField() == field.get())
+                return row;
+        return nullptr;
     }
 
     void onObjIconDBChanged() override
@@ -248,8 +294,8 @@ private:
         if (view.getNameField().empty())
             return;
         watchName(view);
-        conAddField = obj->sigAddField.connect(
-            [this](auto const &sigData) { onFieldsChanged(*obj->getField(sigData.index)); });
+        conAddField =
+            obj->sigAddField.connect([this](auto const &sigData) { onFieldAdded(sigData.index); });
         conRemoveField = obj->sigRemoveField.connect(
             [this](auto const &sigData) { onFieldsChanged(**sigData.field); });
     }
@@ -260,6 +306,28 @@ private:
             conNameField = name->sigSet.connect([this](auto const &) { dirtyText(); });
     }
 
+    /// A new field is the last one, unless a listener before this one has changed the fields again.
+    /// Then any may be new.
+    void onFieldAdded(std::size_t index)
+    {
+        View *const view = this->getView();
+        if (!view)
+            return;
+        if (index + 1 == obj->getNumFields()) {
+            onFieldsChanged(*obj->getField(index));
+            return;
+        }
+        renewName(*view);
+        dirtyRows();
+    }
+
+    void renewName(View &view)
+    {
+        conNameField.disconnect();
+        dirtyText();
+        watchName(view);
+    }
+
     /// KEPT: of a field that leaves, the look-up by name still finds it, and it is watched anew: a
     /// host that goes on with a field that it holds has the label asked for once more.
     void onFieldsChanged(Field &field)
@@ -267,17 +335,13 @@ private:
         View *const view = this->getView();
         if (!view)
             return;
-        if (!view->getNameField().empty() && field.name == view->getNameField()) {
-            conNameField.disconnect();
-            dirtyText();
-            watchName(*view);
-        }
+        if (!view->getNameField().empty() && field.name == view->getNameField())
+            renewName(*view);
         if (view->isAccepted(field))
             dirtyRows();
     }
 
-    /// False when the row or its view is gone, since a database is a host's code.
-    bool updateLabel(View &view)
+    void updateLabel(View &view)
     {
         const Watch watch(*this);
         const RefT<VOM::Object> held(obj);
@@ -288,7 +352,7 @@ private:
                     icon = db->find(held);
             });
             if (watch.isGone() || !this->getView())
-                return false;
+                return;
             this->setIcon(icon);
             iconDirty = false;
         }
@@ -297,7 +361,6 @@ private:
                                        View::Traits::hasAddress(view)));
             textDirty = false;
         }
-        return true;
     }
 
     std::vector<PtrT<Field>> acceptedFields(View const &view) const
@@ -314,11 +377,15 @@ private:
         const Watch watch(*this);
         const std::vector<PtrT<Field>> fields = acceptedFields(view);
         numDirty = rowsDirty = false;
+        isRebuilding = true;
         Rebuild<Field const *> children(view);
-        for (OwnedRow &row : this->releaseChildRows())
-            if (auto *const fieldRow = dynamic_cast<FieldRow *>(row.get());
-                fieldRow && fieldRow->getField() && !fieldRow->isLost())
+        for (OwnedRow &row : this->releaseChildRows()) {
+            auto *const fieldRow = dynamic_cast<FieldRow *>(row.get());
+            if (fieldRow && fieldRow->getField() && !fieldRow->isLost())
                 children.keep(fieldRow->getField(), std::move(row));
+            else
+                children.drop(std::move(row));
+        }
         for (PtrT<Field> const &field : fields) {
             if (!field)
                 continue;
@@ -329,23 +396,15 @@ private:
                 return;
             children.add(std::move(row));
         }
+        isRebuilding = false;
         this->setChildRows(children.finish());
-    }
-
-    std::size_t childOf(PtrT<Field> const &field) const
-    {
-        const std::size_t num = this->getNumMadeChildRows();
-        for (std::size_t i = 0; i < num; ++i)
-            if (auto const *const row = dynamic_cast<FieldRow const *>(this->getVoidChild(i));
-                row && field && row->getField() == field.get())
-                return i;
-        return num;
     }
 
     const PtrT<VOM::Object> obj;
     bool lost = false;
     bool iconDirty = true, textDirty = true;
     bool numDirty = true, rowsDirty = true;
+    bool isRebuilding = false; // What a host changes meanwhile is for the next layout.
     Signal::Connection conDelete, conAddField, conRemoveField, conNameField;
 };
 
@@ -371,19 +430,19 @@ public:
     Field *getField() const { return field.get(); }
     bool isLost() const { return lost; }
 
-    Path getPath() override
+    void extendPath(Path &path) override
     {
         if (!View::Traits::lostRowsHavePaths && (lost || !field))
-            return Path(PtrT<VOM::Object>());
-        VoidRow *const parent = this->getVoidParent();
-        Path path = parent ? parent->getPath() : Path(PtrT<VOM::Object>());
+            path = Path(PtrT<VOM::Object>());
         // Of a field that is gone, nothing but its place is left.
-        if (!field)
-            return path;
-        if (isEmpty(path) && field->owner)
-            path = Path(*field->owner);
-        path.pushField(*field);
-        return path;
+        else if (field)
+            extendByField(path);
+    }
+
+    Way wayOf(Path const &path, std::size_t step) const override
+    {
+        return step + 1 == path.getNum() && path.getType() == Path::Field ? Way::EndsHere
+                                                                          : Way::GoesOn;
     }
 
     void onHideFieldsChanged() override
@@ -396,12 +455,6 @@ protected:
     /// Hidden rows count as open: their children stand in their place.
     bool showsChildren() const { return this->isOpen() || this->isHidden(); }
 
-    /// Whether a path ends at this row's field.
-    static bool endsHere(Path const &path, std::size_t step)
-    {
-        return step + 1 == path.getNum() && path.getType() == Path::Field;
-    }
-
     OwnedRow makeValueRow(View &view, RefT<VOM::Object> const &value)
     {
         return value ? view.makeRow(*this, *value) : view.makeRow(*this);
@@ -410,6 +463,14 @@ protected:
     const PtrT<Field> field;
     bool lost = false;
     Signal::Connection conDelete;
+
+private:
+    void extendByField(Path &path) const
+    {
+        if (isEmpty(path) && field->owner)
+            path = Path(*field->owner);
+        path.pushField(*field);
+    }
 };
 
 /// What single links and lists of links share: two signals that mark the row. `Dirty` is what they
@@ -439,6 +500,7 @@ protected:
     FieldType *getLinks() const { return static_cast<FieldType *>(this->field.get()); }
 
     Dirty dirty;
+    bool isRebuilding = false; // What a host changes meanwhile is for the next layout.
 
 private:
     void markChanged()
@@ -467,16 +529,15 @@ public:
     void onUpdate(bool wanted) override
     {
         View *const view = this->getView();
-        if (view && this->getLinks() && wanted && this->showsChildren() && this->dirty.value)
+        if (view && this->getLinks() && wanted && this->showsChildren() && this->dirty.value &&
+            !this->isRebuilding)
             rebuild(*view);
     }
 
-    RowHandle makeRow(Path const &path, std::size_t step, bool keepOpen) override
+    VoidRow *getNext(Path const &, std::size_t &step) const override
     {
-        if (this->endsHere(path, step))
-            return this->getHandle();
-        return askOpened(*this, keepOpen,
-                         [&] { return askChild(*this, 0, path, step + 1, keepOpen); });
+        ++step;
+        return this->getVoidChild(0);
     }
 
 private:
@@ -485,21 +546,26 @@ private:
         const Watch watch(*this);
         const RefT<VOM::Object> value(this->getLinks()->get());
         this->dirty.value = false;
-        OwnedRows rows = this->releaseChildRows();
-        if (rows.empty() || !canStay(*rows.front(), value)) {
-            rows.clear();
-            OwnedRow row = this->makeValueRow(view, value);
-            if (watch.isGone() || !this->getView())
-                return;
-            rows.push_back(std::move(row));
-        }
-        this->setChildRows(std::move(rows));
+        this->isRebuilding = true;
+        Rebuild<VOM::Object const *> children(view);
+        for (OwnedRow &row : this->releaseChildRows())
+            if (canStay(row, value))
+                children.keep(value.get(), std::move(row));
+            else
+                children.drop(std::move(row));
+        OwnedRow row = children.take(value.get());
+        if (!row)
+            row = this->makeValueRow(view, value);
+        if (watch.isGone() || !this->getView())
+            return;
+        children.add(std::move(row));
+        this->isRebuilding = false;
+        this->setChildRows(children.finish());
     }
 
-    template <class Row>
-    static bool canStay(Row const &row, RefT<VOM::Object> const &value)
+    static bool canStay(OwnedRow const &row, RefT<VOM::Object> const &value)
     {
-        auto const *const objectRow = dynamic_cast<ObjectRow const *>(&row);
+        auto const *const objectRow = dynamic_cast<ObjectRow const *>(row.get());
         return objectRow ? objectRow->standsFor(value.get()) : !value;
     }
 };
@@ -517,7 +583,7 @@ public:
         if (!view || !this->getLinks())
             return;
         if (wanted && this->showsChildren()) {
-            if (this->dirty.rows)
+            if (this->dirty.rows && !this->isRebuilding)
                 rebuild(*view);
         } else if (this->dirty.num) {
             this->setNumChildRows(this->getLinks()->getNum());
@@ -525,40 +591,52 @@ public:
         }
     }
 
-    RowHandle makeRow(Path const &path, std::size_t step, bool keepOpen) override
+    VoidRow *getNext(Path const &path, std::size_t &step) const override
     {
-        if (this->endsHere(path, step))
-            return this->getHandle();
-        return askOpened(*this, keepOpen, [&] {
-            return askChild(*this, path.get(step).index, path, step + 1, keepOpen);
-        });
+        return this->getVoidChild(path.get(step++).index);
     }
 
 private:
+    using Children = Rebuild<VOM::Object const *>;
+
     void rebuild(View &view)
     {
         const Watch watch(*this);
         this->dirty.num = this->dirty.rows = false;
-        Rebuild<VOM::Object const *> children(view);
-        for (OwnedRow &row : this->releaseChildRows()) {
-            auto const *const objectRow = dynamic_cast<ObjectRow const *>(row.get());
-            if (!objectRow)
-                children.keep(nullptr, std::move(row));
-            else if (objectRow->getObj() && !objectRow->isLost())
-                children.keep(objectRow->getObj(), std::move(row));
-        }
+        this->isRebuilding = true;
+        Children children(view);
+        for (OwnedRow &row : this->releaseChildRows())
+            keep(children, std::move(row));
         // A host that is told of a new row may change the field.
         auto const values = this->getLinks()->getAll();
         for (auto const &link : values) {
-            const RefT<VOM::Object> value(link);
-            OwnedRow row = children.take(value.get());
-            if (!row)
-                row = this->makeValueRow(view, value);
+            addChild(children, view, RefT<VOM::Object>(link));
+            // That reference may have been the last one.
             if (watch.isGone() || !this->getView())
                 return;
-            children.add(std::move(row));
         }
+        this->isRebuilding = false;
         this->setChildRows(children.finish());
+    }
+
+    static void keep(Children &children, OwnedRow &&row)
+    {
+        auto const *const objectRow = dynamic_cast<ObjectRow const *>(row.get());
+        if (!objectRow)
+            children.keep(nullptr, std::move(row));
+        else if (objectRow->getObj() && !objectRow->isLost())
+            children.keep(objectRow->getObj(), std::move(row));
+        else
+            children.drop(std::move(row));
+    }
+
+    /// This row may be gone afterwards.
+    void addChild(Children &children, View &view, RefT<VOM::Object> const &value)
+    {
+        OwnedRow row = children.take(value.get());
+        if (!row)
+            row = this->makeValueRow(view, value);
+        children.add(std::move(row));
     }
 };
 
@@ -573,16 +651,19 @@ public:
     /// link. Items aren't owned; they leave when they die.
     std::size_t addItem(Class *item, std::size_t position)
     {
-        removeGone();
-        position = std::min(position, items.size());
-        const auto offset = static_cast<std::ptrdiff_t>(position);
-        items.insert(items.begin() + offset, item);
-        itemCons.emplace(itemCons.begin() + offset);
-        if (item)
-            itemCons[position] = item->sigDelete.connect(
-                [this](SigVoidData const &sigData) { onItemDelete(sigData); }, PtrT<Class>(*item));
+        position = makeRoom(position, 1);
+        setItem(position, item);
         markDirty();
         return position;
+    }
+
+    /// The same with many, in their order.
+    void addItems(std::vector<PtrT<VOM::Object>> const &objs, std::size_t position)
+    {
+        position = makeRoom(position, objs.size());
+        for (PtrT<VOM::Object> const &item : objs)
+            setItem(position++, item.get());
+        markDirty();
     }
 
     /// Does nothing for a position that isn't there.
@@ -594,23 +675,30 @@ public:
         const auto offset = static_cast<std::ptrdiff_t>(position);
         itemCons[position].disconnect();
         itemCons.erase(itemCons.begin() + offset);
+        Class const *const item = items[position];
         items.erase(items.begin() + offset);
+        if (isRebuilding && std::find(items.begin(), items.end(), item) == items.end())
+            left.insert(item);
         markDirty();
     }
 
     void clearItems()
     {
         disconnectItems();
+        if (isRebuilding)
+            left.insert(items.begin(), items.end());
         items.clear();
         itemCons.clear();
         gone.clear();
         markDirty();
     }
 
+    /// A host that changes the top rows while it is told of new ones finds them changed after the
+    /// next layout.
     void onUpdate(bool) override
     {
         View *const view = this->getView();
-        if (view && dirty)
+        if (view && dirty && !isRebuilding)
             rebuild(*view);
     }
 
@@ -622,17 +710,59 @@ public:
         PtrT<VOM::Object> const root = path.getRoot();
         for (std::size_t i = 0; root && !watch.isGone() && this->getView() && i < items.size(); ++i)
             if (items[i] == root.get())
-                if (const RowHandle found = askChild(*this, i, path, 0, keepOpen))
-                    return found;
+                if (VoidRow *const child = findChild(i, *root))
+                    if (const RowHandle found = child->makeRow(path, 0, keepOpen))
+                        return found;
         return {};
     }
 
 private:
+    /// The row of an item. A host that was told of new rows may have changed the items, so that the
+    /// rows stand elsewhere until the next layout.
+    VoidRow *findChild(std::size_t position, VOM::Object const &obj) const
+    {
+        if (VoidRow *const child = this->getVoidChild(position); child && isRowOf(*child, obj))
+            return child;
+        for (std::size_t i = 0; i < this->getNumMadeChildRows(); ++i)
+            if (VoidRow *const child = this->getVoidChild(i); child && isRowOf(*child, obj))
+                return child;
+        return nullptr;
+    }
+
+    static bool isRowOf(VoidRow const &row, VOM::Object const &obj)
+    {
+        auto const *const objectRow = dynamic_cast<ObjectRow const *>(&row);
+        return objectRow && objectRow->getObj() == &obj;
+    }
+
+    /// Puts empty items before a position, or at the end, and returns where they are.
+    std::size_t makeRoom(std::size_t position, std::size_t num)
+    {
+        removeGone();
+        position = std::min(position, items.size());
+        const auto offset = static_cast<std::ptrdiff_t>(position);
+        items.insert(items.begin() + offset, num, nullptr);
+        itemCons.insert(itemCons.begin() + offset, num, Signal::Connection());
+        return position;
+    }
+
+    void setItem(std::size_t position, Class *item)
+    {
+        items[position] = item;
+        if (!item)
+            return;
+        left.erase(item);
+        itemCons[position] = item->sigDelete.connect(
+            [this](SigVoidData const &sigData) { onItemDelete(sigData); }, PtrT<Class>(*item));
+    }
+
     /// Items often die together: those that have died are taken out at once, before the next look
     /// at any of them.
     void onItemDelete(SigVoidData const &sigData)
     {
         gone.insert(sigData.ptr.get());
+        if (isRebuilding)
+            left.insert(sigData.ptr.get());
         markDirty();
     }
 
@@ -674,15 +804,17 @@ private:
         const Watch watch(*this);
         dirty = false;
         removeGone();
+        isRebuilding = true;
         Rebuild<Class const *> children(view);
         for (OwnedRow &row : this->releaseChildRows())
-            if (View::Traits::keepsTopRows)
-                keep(children, std::move(row));
-        const std::vector<Class *> shown = items;
+            if (canStay(row))
+                children.keep(getItem(row), std::move(row));
+            else
+                children.drop(std::move(row));
+        const std::deque<Class *> shown = items;
         for (Class *item : shown) {
-            // A host that is told of a new row may let items die.
-            if (gone.count(item) ||
-                (dirty && item && std::find(items.begin(), items.end(), item) == items.end()))
+            // A host that is told of a new row may remove items, or let them die.
+            if (left.count(item))
                 continue;
             OwnedRow row = children.take(item);
             if (!row)
@@ -692,20 +824,28 @@ private:
             if (row)
                 children.add(std::move(row));
         }
+        isRebuilding = false;
+        left.clear();
         this->setChildRows(children.finish());
     }
 
-    static void keep(Rebuild<Class const *> &children, OwnedRow &&row)
+    /// What a top row shows. Null for one that is gone, and for an empty link.
+    static Class const *getItem(OwnedRow const &row)
     {
-        if (auto const *const objectRow = dynamic_cast<ObjectRow const *>(row.get())) {
-            if (objectRow->getObj() && !objectRow->isLost())
-                children.keep(objectRow->getObj(), std::move(row));
-        } else if (auto const *const fieldRow = dynamic_cast<FieldRow const *>(row.get())) {
-            if (fieldRow->getField() && !fieldRow->isLost())
-                children.keep(fieldRow->getField(), std::move(row));
-        } else {
-            children.keep(nullptr, std::move(row));
-        }
+        if (auto const *const objectRow = dynamic_cast<ObjectRow const *>(row.get()))
+            return objectRow->getObj();
+        auto const *const fieldRow = dynamic_cast<FieldRow const *>(row.get());
+        return fieldRow ? fieldRow->getField() : nullptr;
+    }
+
+    static bool canStay(OwnedRow const &row)
+    {
+        if (!View::Traits::keepsTopRows)
+            return false;
+        if (auto const *const objectRow = dynamic_cast<ObjectRow const *>(row.get()))
+            return objectRow->getObj() && !objectRow->isLost();
+        auto const *const fieldRow = dynamic_cast<FieldRow const *>(row.get());
+        return !fieldRow || (fieldRow->getField() && !fieldRow->isLost());
     }
 
     OwnedRow makeItemRow(View &view, Class *item)
@@ -717,10 +857,12 @@ private:
         return view.makeRow(*this);
     }
 
-    std::vector<Class *> items;
-    bool dirty = false;
-    std::vector<Signal::Connection> itemCons; // Position by position.
-    std::unordered_set<Class const *> gone;   // Of the items, those that are dying or have died.
+    // Not vectors: hosts remove many items at the front, one by one.
+    std::deque<Class *> items;
+    bool dirty = false, isRebuilding = false;
+    std::deque<Signal::Connection> itemCons; // Position by position.
+    std::unordered_set<Class const *> gone;  // Of the items, those that are dying or have died.
+    std::unordered_set<Class const *> left;  // That were items when the rebuild began.
 };
 
 } // namespace ZR::VOM::GUI::Trees

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <type_traits>
+#include <vector>
 
 namespace ZR::VOM::GUI::Trees {
 
@@ -43,16 +44,21 @@ public:
     /// The path that leads to this row.
     virtual Path getPath()
     {
-        VoidRow *const parent = getVoidParent();
-        const Path path = parent ? parent->getPath() : Path(PtrT<VOM::Object>());
-        return RowsT<View>::isEmpty(path) ? path : RowsT<View>::valuePath(path, this->getPos());
+        std::vector<VoidRow *> rows;
+        for (auto *row = static_cast<VoidRow *>(this); row; row = row->getVoidParent())
+            rows.push_back(row);
+        Path path{PtrT<VOM::Object>()};
+        for (; !rows.empty(); rows.pop_back())
+            rows.back()->extendPath(path);
+        return path;
     }
 
     /// The row that the path leads to from its step `step` on, which is this row's; null if there
-    /// is none.
-    virtual RowHandle makeRow(Path const &path, std::size_t step, bool)
+    /// is none. Rows on the way are opened for as long as they make their children, and for good
+    /// when `keepOpen`.
+    virtual RowHandle makeRow(Path const &path, std::size_t step, bool keepOpen)
     {
-        return step == path.getNum() ? getHandle() : RowHandle();
+        return RowsT<View>::followPath(static_cast<VoidRow &>(*this), path, step, keepOpen);
     }
 
     RowHandle getHandle()
