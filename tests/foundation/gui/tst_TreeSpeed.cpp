@@ -54,6 +54,30 @@ public:
     Row &row(std::size_t pos) { return *getRoot().getChildRow(pos); }
 };
 
+/// A chain of open rows. They are put together from the lowest on.
+class DeepView final : public V2::TreeView {
+public:
+    explicit DeepView(std::size_t depth)
+        : TreeView(std::make_unique<ManyRow>(*this, nullptr, 0), nullptr)
+    {
+        resize(300, 400);
+        std::vector<std::unique_ptr<Row>> rows;
+        Row *above = &getRoot();
+        for (std::size_t i = 0; i < depth; ++i) {
+            rows.push_back(std::make_unique<ManyRow>(*this, above, 0));
+            above = rows.back().get();
+            above->setOpen(true);
+        }
+        while (!rows.empty()) {
+            std::vector<std::unique_ptr<Row>> child;
+            child.push_back(std::move(rows.back()));
+            rows.pop_back();
+            Row &parent = rows.empty() ? getRoot() : *rows.back();
+            static_cast<ManyRow &>(parent).setChildRows(std::move(child));
+        }
+    }
+};
+
 } // namespace
 
 /// That no event walks over siblings: what an event costs in a tree of a million rows.
@@ -64,6 +88,7 @@ private slots:
     void eventsDoNotWalkOverSiblings_data();
     void eventsDoNotWalkOverSiblings();
     void onlyRowsInSightAreAsked();
+    void paintingIsLinearInTheDepth();
     void everythingIsSelectedInATrice();
     void rowsAreSmall();
 };
@@ -138,6 +163,24 @@ void tst_TreeSpeed::onlyRowsInSightAreAsked()
     view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum());
     view.findRow({0, 0});
     QVERIFY(ManyRow::numUpdates < 200);
+}
+
+void tst_TreeSpeed::paintingIsLinearInTheDepth()
+{
+    const auto microseconds = [](std::size_t depth) {
+        DeepView view(depth);
+        view.findRow({0, 0});
+        view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum());
+        QImage image(view.size(), QImage::Format_RGB32);
+        view.viewport()->render(&image);
+        QElapsedTimer timer;
+        timer.start();
+        view.viewport()->render(&image);
+        return timer.nsecsElapsed() / 1000;
+    };
+    const qint64 flat = microseconds(1000), deep = microseconds(20000);
+    qInfo("Painting takes %lld us below 1,000 rows, %lld us below 20,000", flat, deep);
+    QVERIFY(deep < 60 * flat + 5000);
 }
 
 void tst_TreeSpeed::everythingIsSelectedInATrice()

@@ -308,10 +308,10 @@ int TreeEngine::contentLeft() const
     return -view->horizontalScrollBar()->value();
 }
 
-QRect TreeEngine::expanderRect(TreeRow const &row, std::size_t line)
+QRect TreeEngine::expanderRect(int level, std::size_t line)
 {
     const QRect whole = lineRect(line);
-    const QRect rect(contentLeft() + levelOf(row) * indent, whole.y(), indent, rowHeight);
+    const QRect rect(contentLeft() + level * indent, whole.y(), indent, rowHeight);
     return QStyle::visualRect(view->layoutDirection(), whole, rect);
 }
 

@@ -32,7 +32,7 @@ void TreeEngine::mousePress(QMouseEvent &event)
     }
     const std::size_t line = lineOf(*row);
     if (event.button() == Qt::LeftButton && hasChildren(*row) &&
-        expanderRect(*row, line).contains(event.pos())) {
+        expanderRect(levelOf(*row), line).contains(event.pos())) {
         toggle(*row, !row->open);
         return;
     }
@@ -118,7 +118,7 @@ void TreeEngine::mouseDoubleClick(QMouseEvent &event)
     TreeRow *const row = rowAtView(event.pos());
     if (!row)
         return;
-    if (hasChildren(*row) && (expanderRect(*row, lineOf(*row)).contains(event.pos()) ||
+    if (hasChildren(*row) && (expanderRect(levelOf(*row), lineOf(*row)).contains(event.pos()) ||
                               !(event.modifiers() & Qt::ControlModifier)))
         toggle(*row, !row->open);
     else

@@ -1,5 +1,6 @@
 // The picture, drawn by the style: branches, expanders, rows, the place of a drop.
 
+#include "zrVOMGUI/foundation/gui/private/TreeBranch.h"
 #include "zrVOMGUI/foundation/gui/private/TreeEditor.h"
 #include "zrVOMGUI/foundation/gui/private/TreeEngine.h"
 
@@ -117,16 +118,23 @@ void TreeEngine::paintLine(QPainter &painter, TreeRow &row, std::size_t line)
     view->style()->drawControl(QStyle::CE_ItemViewItem, &option, &painter, view);
 }
 
-/// Whether another row of the same level follows under the same parent.
-bool TreeEngine::hasNextSibling(TreeRow const &row, std::size_t line) const
+/// The nearest ancestor with a line, null at the top level. `line` is the row's, and becomes that
+/// of the ancestor or, at the top level, 0.
+TreeRow const *TreeEngine::climb(TreeRow const &row, std::size_t &line) const
 {
-    TreeRow const *const above = shownParent(row);
-    const std::size_t end =
-        above ? lineOf(*above) + above->getLines() : (root ? root->getLinesBelow() : 0);
-    return line + row.getLines() < end;
+    TreeRow const *at = &row;
+    do {
+        line -= at->rowParent->branch->before(at->rowIndex);
+        at = at->rowParent;
+    } while (at->hidden && at != root);
+    if (at == root)
+        return nullptr;
+    --line;
+    return at;
 }
 
-/// From the row's own expander to the outermost level.
+/// From the row's own expander to the outermost level in sight. Lines are counted on the way up:
+/// to look one up takes a walk to the root.
 void TreeEngine::paintBranches(QPainter &painter, TreeRow const &row, std::size_t line,
                                QStyleOptionViewItem const &option)
 {
@@ -135,14 +143,22 @@ void TreeEngine::paintBranches(QPainter &painter, TreeRow const &row, std::size_
         option.state & (QStyle::State_Enabled | QStyle::State_Active | QStyle::State_Selected);
     const QRect viewport = view->viewport()->rect();
     bool own = true;
-    for (TreeRow const *at = &row; at; at = shownParent(*at), own = false) {
-        branch.rect = expanderRect(*at, line);
+    int level = levelOf(row);
+    std::size_t lineOfAt = line;
+    TreeRow const *above = nullptr;
+    for (TreeRow const *at = &row; at; at = above, own = false, --level) {
+        if (contentLeft() + (level + 1) * indent <= 0)
+            break;
+        const std::size_t endOfAt = lineOfAt + at->getLines();
+        above = climb(*at, lineOfAt);
+        branch.rect = expanderRect(level, line);
         if (!branch.rect.intersects(viewport))
             continue;
         branch.state = state;
         if (own)
             branch.state |= QStyle::State_Item;
-        if (hasNextSibling(*at, own ? line : lineOf(*at)))
+        // Another row of the same level follows under the same parent.
+        if (endOfAt < (above ? lineOfAt + above->getLines() : getNumLines()))
             branch.state |= QStyle::State_Sibling;
         if (own && hasChildren(row)) {
             branch.state |= QStyle::State_Children;

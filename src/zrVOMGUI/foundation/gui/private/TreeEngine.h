@@ -132,7 +132,7 @@ public:
     QRect lineRect(std::size_t line);
     /// The part that shows icon and text, and the part of the expander.
     QRect itemRect(TreeRow const &row, std::size_t line);
-    QRect expanderRect(TreeRow const &row, std::size_t line);
+    QRect expanderRect(int level, std::size_t line);
     void scrollTo(TreeRow &row);
     void metricsChanged();
     void resized();
@@ -213,7 +213,7 @@ private:
     void paintBranches(QPainter &painter, TreeRow const &row, std::size_t line,
                        QStyleOptionViewItem const &option);
     void paintDropIndicator(QPainter &painter);
-    bool hasNextSibling(TreeRow const &row, std::size_t line) const;
+    TreeRow const *climb(TreeRow const &row, std::size_t &line) const;
 
     // Selection.
     bool setSelected(TreeRow &row, bool selected);
