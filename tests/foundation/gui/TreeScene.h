@@ -202,6 +202,7 @@ public:
     std::function<bool(TreeRow *, std::size_t)> canDrop;
     bool editsRows = true;
     bool offersDrag = true;
+    bool carriesOut = true; ///< Drops.
 };
 
 struct SharedRows {
@@ -381,6 +382,8 @@ public:
     }
     void onDrop(QDropEvent &event, typename Gen::Param row, std::size_t index) override
     {
+        if (!scene.carriesOut)
+            event.ignore();
         scene.tell("drop " + place(Gen::plain(row), index) + " action " +
                    std::to_string(int(event.dropAction())));
     }

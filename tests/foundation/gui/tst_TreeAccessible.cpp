@@ -96,6 +96,7 @@ private slots:
     void rowsHaveTheirPlaces();
     void rowsAreTheSameWhenAskedAgain();
     void actionsToggleAndFocus();
+    void rowThatWasNeverInSightTellsItsActions();
     void nothingLiesOutside();
     void interfacesEndWithTheirRows();
     void interfacesEndWithTheView();
@@ -155,6 +156,14 @@ void tst_TreeAccessible::actionsToggleAndFocus()
     row->doAction(QAccessibleActionInterface::setFocusAction());
     QCOMPARE(scene->current(), std::string("c"));
     QCOMPARE(tree.child(1)->actionInterface()->actionNames().size(), 1);
+}
+
+void tst_TreeAccessible::rowThatWasNeverInSightTellsItsActions()
+{
+    std::vector<ItemPtr> many = items("i", 100);
+    many.push_back(item("last", {item("below")}));
+    const auto scene = makeScene(many);
+    QCOMPARE(treeOf(*scene)->child(100)->actionInterface()->actionNames().size(), 2);
 }
 
 void tst_TreeAccessible::nothingLiesOutside()

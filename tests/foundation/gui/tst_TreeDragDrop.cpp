@@ -81,12 +81,15 @@ private slots:
     void belowAllRowsIsTheRootsEnd();
     void refusedBetweenRowsFallsOnTheRow();
     void refusalIsTold();
+    void dropThatIsNotCarriedOutIsRefused();
     void foreignTypesAreNotOffered();
     void actionsAreThoseOfTheView_data();
     void actionsAreThoseOfTheView();
     void indicatorIsShownAndGoes();
     void closedRowsOpenUnderThePointer();
     void edgesScroll();
+    void edgesScrollSideways_data();
+    void edgesScrollSideways();
     void scrollingAsksAboutTheRowThatComesUnderTheDrag();
     void scrollingOpensOnlyWhatTheDragRestsOn();
     void hiddenRowsAreOfferedByTheRowThatIsSeen();
@@ -164,6 +167,18 @@ void tst_TreeDragDrop::refusalIsTold()
     QVERIFY(!visitor.move(pos));
     QVERIFY(!visitor.drop(pos));
     QCOMPARE(scene->takeLog(), std::string("canDrop b; canDrop b"));
+}
+
+void tst_TreeDragDrop::dropThatIsNotCarriedOutIsRefused()
+{
+    const auto scene = makeScene(letters());
+    const QPoint pos = scene->at("b");
+    scene->carriesOut = false;
+    Visitor visitor(*scene);
+    visitor.enter(pos);
+    QVERIFY(visitor.move(pos));
+    QVERIFY(!visitor.drop(pos));
+    QCOMPARE(scene->log.back(), std::string("drop b action 1"));
 }
 
 void tst_TreeDragDrop::foreignTypesAreNotOffered()
@@ -263,6 +278,36 @@ void tst_TreeDragDrop::edgesScroll()
     visitor.leave();
     QTest::qWait(200);
     QCOMPARE(bar.value(), 0);
+}
+
+void tst_TreeDragDrop::edgesScrollSideways_data()
+{
+    QTest::addColumn<bool>("rightToLeft");
+    QTest::newRow("left to right") << false;
+    QTest::newRow("right to left") << true;
+}
+
+void tst_TreeDragDrop::edgesScrollSideways()
+{
+    QFETCH(bool, rightToLeft);
+    const auto scene = makeScene({item(std::string(200, 'w'))});
+    scene->view()->setLayoutDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+    scene->view()->resize(200, 10 * scene->view()->getRowHeight());
+    scene->lines();
+    QScrollBar &bar = *scene->view()->horizontalScrollBar();
+    QVERIFY(bar.maximum() > 0);
+    const int middle = scene->viewport()->height() / 2, last = scene->viewport()->width() - 1;
+    const QPoint begin(rightToLeft ? last : 0, middle), end(rightToLeft ? 0 : last, middle);
+    Visitor visitor(*scene);
+    visitor.enter(end);
+    visitor.move(end);
+    QTRY_VERIFY(bar.value() > 0);
+    visitor.move({last / 2, middle});
+    const int rest = bar.value();
+    QTest::qWait(120);
+    QCOMPARE(bar.value(), rest);
+    visitor.move(begin);
+    QTRY_COMPARE(bar.value(), 0);
 }
 
 void tst_TreeDragDrop::scrollingAsksAboutTheRowThatComesUnderTheDrag()

@@ -96,6 +96,7 @@ private slots:
     void selectionAndFocusAreTold();
     void selectionPalesWithoutTheFocus();
     void hoverIsTold();
+    void hoverStaysUnderThePointerAsRowsScroll();
     void disabledIsTold();
     void rightToLeftIsTheMirror();
     void heightFollowsTheFont();
@@ -212,6 +213,25 @@ void tst_TreePainting::hoverIsTold()
     listener->clear();
     grab(*shown);
     QVERIFY(!(listener->item("c").state & QStyle::State_MouseOver));
+}
+
+void tst_TreePainting::hoverStaysUnderThePointerAsRowsScroll()
+{
+    const auto shown = scene(items("i", 100));
+    const QPoint pos = shown->at("i2");
+    QMouseEvent move(QEvent::MouseMove, pos, shown->viewport()->mapToGlobal(pos), Qt::NoButton,
+                     Qt::NoButton, {});
+    QApplication::sendEvent(shown->viewport(), &move);
+    shown->view()->verticalScrollBar()->setValue(3 * shown->view()->getRowHeight());
+    listener->clear();
+    grab(*shown);
+    QVERIFY(listener->item("i5").state & QStyle::State_MouseOver);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(shown->viewport(), &leave);
+    shown->view()->verticalScrollBar()->setValue(0);
+    listener->clear();
+    grab(*shown);
+    QVERIFY(!(listener->item("i2").state & QStyle::State_MouseOver));
 }
 
 void tst_TreePainting::disabledIsTold()

@@ -95,7 +95,7 @@ public:
     }
     QStringList actionNames() const override
     {
-        if (!isValid())
+        if (!getUpdated())
             return {};
         QStringList names{setFocusAction()};
         if (engine->hasChildren(*row))

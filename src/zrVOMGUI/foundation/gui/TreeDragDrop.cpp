@@ -28,6 +28,14 @@ constexpr int edgeShare = 4;
 
 constexpr int lineThickness = 2;
 
+/// How far to scroll for a drag at `pos` of a view of that size.
+int edgeStep(int pos, int size, int edge, int step)
+{
+    if (pos < edge)
+        return -step;
+    return pos >= size - edge ? step : 0;
+}
+
 } // namespace
 
 void TreeEngine::setDropActions(Qt::DropActions actions, Qt::DropAction defaultAction)
@@ -171,9 +179,7 @@ void TreeEngine::dragMove(QDragMoveEvent &event)
     event.setAccepted(place.row != nullptr);
 
     watchHover();
-    const int height = view->viewport()->height();
-    const bool atEdge = dragPos.y() < rowHeight || dragPos.y() >= height - rowHeight;
-    if (!atEdge)
+    if (edgeSteps().isNull())
         autoScrollTimer.stop();
     else if (!autoScrollTimer.isActive())
         autoScrollTimer.start(autoScrollInterval, view);
@@ -215,14 +221,24 @@ void TreeEngine::drop(QDropEvent &event)
     hooks->onDrop(event, place.row, place.index);
 }
 
-/// One line at a time, while the drag stays at the edge. A drag that rests sends no moves, so that
-/// the host is asked about the row that has come under it.
+/// How far the bars are to move for the drag, in reading direction and down.
+QPoint TreeEngine::edgeSteps() const
+{
+    const QSize size = view->viewport()->size();
+    const int x = view->isRightToLeft() ? size.width() - 1 - dragPos.x() : dragPos.x();
+    return {edgeStep(x, size.width(), rowHeight, indent),
+            edgeStep(dragPos.y(), size.height(), rowHeight, rowHeight)};
+}
+
+/// One line or level at a time, while the drag stays at the edge. A drag that rests sends no moves,
+/// so that the host is asked about the row that has come under it.
 void TreeEngine::autoScroll()
 {
-    QScrollBar &bar = *view->verticalScrollBar();
-    const int before = bar.value();
-    bar.setValue(before + (dragPos.y() < rowHeight ? -rowHeight : rowHeight));
-    if (bar.value() == before)
+    QScrollBar &across = *view->horizontalScrollBar(), &down = *view->verticalScrollBar();
+    const QPoint before(across.value(), down.value()), steps = edgeSteps();
+    across.setValue(before.x() + steps.x());
+    down.setValue(before.y() + steps.y());
+    if (QPoint(across.value(), down.value()) == before)
         return;
     DropPlace place{nullptr, TreeRow::npos, {}};
     if (dragPayload) {

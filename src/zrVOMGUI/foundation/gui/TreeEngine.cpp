@@ -212,8 +212,11 @@ void TreeEngine::scrolled()
 {
     if (!view)
         return;
-    if (editor)
+    // Qt goes on with the view: the editor of a row that has gone waits for the layout.
+    if (editor && edited && lineOf(*edited) != TreeRow::npos)
         placeEditor();
+    if (hoverPos)
+        setHover(rowAtView(*hoverPos));
     requestLayout();
 }
 

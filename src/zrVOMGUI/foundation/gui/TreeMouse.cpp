@@ -77,7 +77,8 @@ void TreeEngine::mouseMove(QMouseEvent &event)
     if (!settle())
         return;
     if (!event.buttons()) {
-        setHover(rowAtView(event.pos()));
+        hoverPos = event.pos();
+        setHover(rowAtView(*hoverPos));
         return;
     }
     if (!(event.buttons() & Qt::LeftButton) || !pressed ||
@@ -135,6 +136,7 @@ void TreeEngine::setHover(TreeRow *row)
 
 void TreeEngine::hoverLeft()
 {
+    hoverPos.reset();
     if (view)
         setHover(nullptr);
 }

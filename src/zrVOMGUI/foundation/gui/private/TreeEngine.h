@@ -12,6 +12,7 @@
 #include <QPointer>
 #include <QRect>
 
+#include <optional>
 #include <unordered_map>
 
 class QAccessibleInterface;
@@ -245,6 +246,7 @@ private:
     static void leaveHidden(DropPlace &place);
     void watchHover();
     void setDropPlace(DropPlace const &place);
+    QPoint edgeSteps() const;
     void autoScroll();
 
     // Accessibility.
@@ -276,6 +278,7 @@ private:
     int rowHeight = 1, indent = 20, contentWidth = 0;
 
     TreeRowWatch current, anchor, hover;
+    std::optional<QPoint> hoverPos; // Of the pointer in the viewport, while it is over it.
 
     std::unordered_map<TreeRow *, unsigned int> accessibles; // Identifiers of their interfaces.
     bool selChanged = false, orderChanged = false;           // And not yet told.
