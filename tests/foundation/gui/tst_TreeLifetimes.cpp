@@ -80,6 +80,8 @@ private slots:
     void rowsThatMarkThemselvesDoNotHang();
     void longChainsDieWithoutRecursion();
     void editedViewDies();
+    void viewMayDieByTheFocusThatItsEditorHands_data();
+    void viewMayDieByTheFocusThatItsEditorHands();
     void hoveredAndCurrentRowsDie();
     void sharedRowsOutliveTheirView();
     void foreignAndRepeatedRowsArePassedOver();
@@ -213,6 +215,51 @@ void tst_TreeLifetimes::editedViewDies()
     scene->editRow(&scene->row("b"), "x");
     scene->destroyView();
     QCOMPARE(scene->takeLog(), std::string());
+}
+
+void tst_TreeLifetimes::viewMayDieByTheFocusThatItsEditorHands_data()
+{
+    QTest::addColumn<QString>("end");
+    for (char const *end :
+         {"confirmed", "given up", "without its row", "without its row, scrolled"})
+        QTest::newRow(end) << end;
+}
+
+void tst_TreeLifetimes::viewMayDieByTheFocusThatItsEditorHands()
+{
+    QFETCH(QString, end);
+    // Qt itself goes on with a widget that gets the focus, so that another one gets it here.
+    QWidget window;
+    QLineEdit proxy(&window);
+    const auto scene = makeScene(letters(), false);
+    scene->view()->setParent(&window);
+    scene->view()->setFocusProxy(&proxy);
+    window.show();
+    QApplication::setActiveWindow(&window);
+    scene->lines();
+    scene->editRow(&scene->row("b"), "x");
+    auto *const editor = scene->viewport()->findChild<QLineEdit *>();
+    QVERIFY(editor && editor->hasFocus());
+    const auto watch =
+        QObject::connect(qApp, &QApplication::focusChanged, [&](QWidget *, QWidget *now) {
+            if (now == &proxy)
+                scene->destroyView();
+        });
+    if (end == "confirmed") {
+        QTest::keyClick(editor, Qt::Key_Return);
+    } else if (end == "given up") {
+        QTest::keyClick(editor, Qt::Key_Escape);
+    } else {
+        scene->find("a")->dropChildren();
+        if (end != "without its row") {
+            scene->view()->verticalScrollBar()->setRange(0, 9);
+            scene->view()->verticalScrollBar()->setValue(3);
+        }
+        QTest::qWait(0);
+    }
+    QObject::disconnect(watch);
+    QVERIFY(!scene->view());
+    QCOMPARE(scene->numRows, std::size_t(0));
 }
 
 void tst_TreeLifetimes::hoveredAndCurrentRowsDie()

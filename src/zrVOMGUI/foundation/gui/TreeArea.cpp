@@ -56,6 +56,8 @@ QSize TreeArea::sizeHint() const
 
 bool TreeArea::event(QEvent *event)
 {
+    if (event->type() == QEvent::Show)
+        engine->shown();
     if (event->type() == QEvent::LayoutRequest) {
         const TreeEngine::Ref ref(*engine);
         ref->layoutRequested();

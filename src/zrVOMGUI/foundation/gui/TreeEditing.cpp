@@ -16,6 +16,16 @@ namespace {
 
 constexpr int minEditorWidth = 80;
 
+/// The widget that gets the focus in place of another one: Qt goes on with the one that it is told
+/// of, which may be destroyed when it isn't the one that gets it.
+QWidget &focusOf(QWidget &widget)
+{
+    QWidget *proxy = &widget;
+    while (proxy->focusProxy())
+        proxy = proxy->focusProxy();
+    return *proxy;
+}
+
 } // namespace
 
 TreeEditor::TreeEditor(TreeEngine &treeEngine, QWidget *viewport)
@@ -130,16 +140,19 @@ void TreeEngine::placeEditor()
 /// The editor may be the sender of what runs: it dies later.
 void TreeEngine::closeEditor()
 {
-    TreeEditor *const closing = editor;
+    const QPointer<TreeEditor> closing = editor;
     editor = nullptr;
     edited = nullptr;
     if (!closing)
         return;
     closing->dismiss();
+    // Who hears of the focus may destroy the view, and the editor with it.
     if (view && closing->hasFocus())
-        view->setFocus();
-    closing->hide();
-    closing->deleteLater();
+        focusOf(*view).setFocus();
+    if (closing)
+        closing->hide();
+    if (closing)
+        closing->deleteLater();
 }
 
 void TreeEngine::editorDone(bool confirmed)

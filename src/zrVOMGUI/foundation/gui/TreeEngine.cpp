@@ -158,16 +158,32 @@ void TreeEngine::requestLayout()
     if (std::exchange(layoutStale, true) && layoutPosted)
         return;
     view->viewport()->update();
+    postLayout();
+}
+
+/// A view that is hidden waits for its show.
+void TreeEngine::postLayout()
+{
     if (layoutPosted || !view->isVisible())
         return;
     layoutPosted = true;
     QCoreApplication::postEvent(view, new QEvent(QEvent::LayoutRequest));
 }
 
+void TreeEngine::shown()
+{
+    if (view && layoutStale)
+        postLayout();
+}
+
 void TreeEngine::layoutRequested()
 {
     layoutPosted = false;
     if (!settle())
+        return;
+    // The editor of a row that has gone closes here, where that may destroy the view.
+    placeEditor();
+    if (!view)
         return;
     tellOrder();
     tellSelection();

@@ -92,6 +92,8 @@ void TreeEngine::paint(QPaintEvent &event)
     if (!settle())
         return;
     placeEditor();
+    if (!view)
+        return;
     QPainter painter(view->viewport());
     painter.setFont(view->font());
     const QRect rect = event.rect();

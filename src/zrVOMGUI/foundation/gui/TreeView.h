@@ -46,8 +46,9 @@ public:
 
     void setRowText(TreeViewRow &row, std::string const &text);
     /// Opens an editor with the text in place of the row's, scrolled to and with the focus. Enter
-    /// confirms it, and so does going elsewhere; Escape doesn't. Null, a row that isn't shown and
-    /// a row of another view are passed over.
+    /// confirms it, and so does going elsewhere; Escape doesn't. Closed rows that it lies in are
+    /// opened. Null, a hidden row, one that lies in no tree and one of another view are passed
+    /// over.
     void editRow(std::shared_ptr<TreeViewRow> const &row, std::string const &text);
 
 protected:
@@ -60,7 +61,9 @@ protected:
     virtual QMimeData *makeMimeData(std::vector<std::shared_ptr<TreeViewRow>> const &rows);
     /// A row dies while its view lives. Nothing is left of it but what TreeViewRow has.
     virtual void onDeleteRow(TreeViewRow &row);
-    /// Enter was pressed, or a row that can't be opened was double-clicked. See getSel().
+    /// Enter was pressed, or a row was double-clicked that can't be opened or, with Control, any
+    /// beside its expander. See getSel(). Enter goes no further, so that it presses no default
+    /// button of a dialog, whether or not a subclass overrides this.
     virtual void onConfirm();
     /// By the mouse, on a row or, with a null row, beside all; or by key, on the current row. `pos`
     /// is on the screen.
@@ -73,7 +76,8 @@ protected:
     /// the pointer; below all rows the root. The event's action is one of those allowed.
     virtual bool onCanDrop(QDropEvent &event, std::shared_ptr<TreeViewRow> const &row,
                            std::size_t index);
-    /// The drop, where onCanDrop() allowed it for the same event just before.
+    /// The drop, where onCanDrop() allowed it for the same event just before. The event counts as
+    /// accepted; who doesn't carry it out ignores it, which the sender hears of.
     virtual void onDrop(QDropEvent &event, std::shared_ptr<TreeViewRow> const &row,
                         std::size_t index);
 

@@ -164,6 +164,8 @@ public:
     void focusChanged(bool in);
     void timer(QTimerEvent &event);
     void layoutRequested();
+    /// The view comes into sight.
+    void shown();
 
     // Editing.
     void edit(TreeRow &row, std::string const &text);
@@ -197,6 +199,7 @@ private:
     // Layout.
     bool updateStructure();
     bool updateShown();
+    void postLayout();
     bool isReached(TreeRow const &row) const;
     static TreeRow *topStale(TreeRow &row);
     void measure();
