@@ -56,6 +56,7 @@ private slots:
     void manyChangesAreOneRebuild();
     void fieldTextStays();
     void iconsComeFromTheDatabase();
+    void iconDatabaseThatWasReplacedMayDie();
 };
 
 void tst_ObjectTreeRows::objectsAndFieldsAlternate()
@@ -494,17 +495,22 @@ void tst_ObjectTreeRows::fieldTextStays()
     QVERIFY(scene.row(scene.path("own"))->getIcon().isNull());
 }
 
+namespace {
+
+class DB : public GUI::ObjectIconDB {
+public:
+    QIcon find(RefT<Object> const &) const override
+    {
+        QPixmap pixmap(8, 8);
+        pixmap.fill(Qt::red);
+        return pixmap;
+    }
+};
+
+} // namespace
+
 void tst_ObjectTreeRows::iconsComeFromTheDatabase()
 {
-    class DB : public GUI::ObjectIconDB {
-    public:
-        QIcon find(RefT<Object> const &) const override
-        {
-            QPixmap pixmap(8, 8);
-            pixmap.fill(Qt::red);
-            return pixmap;
-        }
-    };
     Scene scene;
     scene.show();
     scene.dump();
@@ -519,6 +525,22 @@ void tst_ObjectTreeRows::iconsComeFromTheDatabase()
     QVERIFY(!scene.view->getObjIconDB());
     scene.dump();
     QVERIFY(scene.row(scene.path())->getIcon().isNull());
+}
+
+void tst_ObjectTreeRows::iconDatabaseThatWasReplacedMayDie()
+{
+    Scene scene;
+    scene.show();
+    const RefT<GUI::ObjectIconDB> icons(new DB);
+    {
+        DB onStack;
+        scene.view->setObjIconDB(RefT<GUI::ObjectIconDB>(onStack));
+        scene.dump();
+        scene.view->setObjIconDB(icons);
+    }
+    QCOMPARE(scene.view->getObjIconDB().get(), icons.get());
+    scene.dump();
+    QVERIFY(!scene.row(scene.path())->getIcon().isNull());
 }
 
 QTEST_MAIN(tst_ObjectTreeRows)

@@ -29,6 +29,9 @@ private slots:
     void selectionAppendsAndPassesOver();
     void currentRowHasAPath();
     void tooltipIsTheFieldOfTheObject();
+    void tooltipIsThatOfTheRowScrolledThere();
+    void tooltipStaysWhileAButtonIsPressed();
+    void fieldRowsHaveNoTooltip();
     void editChangesTheNameField();
     void refusedEditIsTold();
     void otherExceptionIsSwallowed();
@@ -301,6 +304,63 @@ void tst_ObjectTreeView::tooltipIsTheFieldOfTheObject()
     QCOMPARE(tipAt(300), QString());
 }
 
+namespace {
+
+/// The tooltip after a move of the mouse.
+QString tooltipAt(Tree &view, int y, Qt::MouseButtons buttons = Qt::NoButton)
+{
+    const QPoint pos(30, y);
+    QMouseEvent event(QEvent::MouseMove, pos, view.viewport()->mapToGlobal(pos), Qt::NoButton,
+                      buttons, {});
+    QApplication::sendEvent(view.viewport(), &event);
+    return view.toolTip();
+}
+
+} // namespace
+
+void tst_ObjectTreeView::tooltipIsThatOfTheRowScrolledThere()
+{
+    Scene scene;
+    const Things many = makeThings(std::string(60, 'm'));
+    scene.view->addRows({many.begin(), many.end()}, 0);
+    const RefT<Object> wide = makeThing(std::string(500, 'w'));
+    scene.view->addRow(wide, 0);
+    scene.view->setTooltipField("name");
+    fieldOf<FieldString>(many[20], "name").set("tip");
+    scene.dump();
+    const int height = scene.view->getRowHeight();
+    scene.view->verticalScrollBar()->setValue(20 * height);
+    scene.view->horizontalScrollBar()->setValue(50);
+    QCOMPARE(scene.view->horizontalScrollBar()->value(), 50);
+    QCOMPARE(tooltipAt(*scene.view, height + height / 2), QString("tip"));
+    QCOMPARE(tooltipAt(*scene.view, height / 2), QString("m"));
+}
+
+void tst_ObjectTreeView::tooltipStaysWhileAButtonIsPressed()
+{
+    Scene scene;
+    scene.show();
+    scene.view->addRow(scene.b(), 1);
+    scene.dump();
+    scene.view->setTooltipField("name");
+    const int height = scene.view->getRowHeight();
+    QCOMPARE(tooltipAt(*scene.view, height / 2), QString("a"));
+    QCOMPARE(tooltipAt(*scene.view, height + height / 2, Qt::RightButton), QString("a"));
+    QCOMPARE(tooltipAt(*scene.view, height + height / 2), QString("b"));
+}
+
+void tst_ObjectTreeView::fieldRowsHaveNoTooltip()
+{
+    Scene scene;
+    scene.show();
+    scene.open(scene.path());
+    scene.dump();
+    scene.view->setTooltipField("name");
+    const int height = scene.view->getRowHeight();
+    QCOMPARE(tooltipAt(*scene.view, height / 2), QString("a"));
+    QCOMPARE(tooltipAt(*scene.view, height + height / 2), QString());
+}
+
 void tst_ObjectTreeView::editChangesTheNameField()
 {
     Scene scene;
@@ -389,7 +449,8 @@ void tst_ObjectTreeView::menuIsAskedForWithItsRow()
 void tst_ObjectTreeView::listenersMayDestroyTheView_data()
 {
     QTest::addColumn<QString>("signal");
-    for (char const *name : {"row", "row below", "row of the first show", "clear", "menu", "error"})
+    for (char const *name : {"row", "row below", "row of the first show", "row of a later show",
+                             "clear", "menu", "error"})
         QTest::newRow(name) << QString(name);
 }
 
@@ -418,6 +479,15 @@ void tst_ObjectTreeView::listenersMayDestroyTheView()
         view.sigRow.connect(destroy);
         view.show();
         QTRY_VERIFY(!scene.view);
+    } else if (signal == "row of a later show") {
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        QApplication::processEvents();
+        view.hide();
+        scene.show();
+        view.sigRow.connect(destroy);
+        view.show();
+        // Not inside of the paint, in which Qt goes on with the view.
+        QApplication::sendPostedEvents(&view, QEvent::LayoutRequest);
     } else if (signal == "clear") {
         view.sigClear.connect(destroy);
         view.clear();

@@ -81,6 +81,8 @@ private slots:
     void setterChangesRows_data();
     void setterChangesRows();
     void operationsOfRowsKeepTheirSlots();
+    void rowsAreToldBeforeTheyAreShown();
+    void plainFieldsHaveNoRow();
 };
 
 void tst_TreeRowTables::setterChangesRows_data()
@@ -166,6 +168,49 @@ void tst_TreeRowTables::operationsOfRowsKeepTheirSlots()
     std::ptrdiff_t slot = 2;
     for (std::ptrdiff_t is : Slots::inOrder())
         QCOMPARE(is, slot++);
+}
+
+namespace {
+
+/// Makes rows as their parents do.
+struct MakerView : ObjectTreeView {
+    using ObjectTreeView::makeRow;
+    RowHandle makeFieldRow(Field &field)
+    {
+        return makeRow(static_cast<VoidRow &>(*ZR::GUI::TreeView::getRoot()), field);
+    }
+};
+
+} // namespace
+
+void tst_TreeRowTables::rowsAreToldBeforeTheyAreShown()
+{
+    Scene scene;
+    addField<FieldPtr>(*scene.a(), "gap");
+    scene.view->addAcceptedField("", "gap");
+    scene.view->setHideFields(true);
+    scene.show();
+    std::vector<std::string> told;
+    scene.view->sigRow.connect([&](auto const &sigData) {
+        TreeRow const &row = *sigData.row;
+        told.push_back(row.getText().toStdString() + (row.isHidden() ? " hidden" : ""));
+        QCOMPARE(row.getPos(), TreeRow::npos);
+    });
+    QVERIFY(scene.row(scene.path("gap", 0)));
+    // The object's has no text yet.
+    QCOMPARE(told, (std::vector<std::string>{"", "gap hidden", "void"}));
+}
+
+void tst_TreeRowTables::plainFieldsHaveNoRow()
+{
+    Scene scene;
+    MakerView view;
+    int numTold = 0;
+    view.sigRow.connect([&](auto const &) { ++numTold; });
+    QVERIFY(!view.makeFieldRow(scene.field("name")));
+    QCOMPARE(numTold, 0);
+    QVERIFY(view.makeFieldRow(scene.field("own")));
+    QCOMPARE(numTold, 1);
 }
 
 QTEST_MAIN(tst_TreeRowTables)
