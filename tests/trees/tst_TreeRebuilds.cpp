@@ -376,7 +376,7 @@ void tst_TreeRebuilds::manyTopsAreAddedBeforeMany()
 
 void tst_TreeRebuilds::manyTopsMayBeTouchedByAListener()
 {
-    const Things many = makeMany(200000);
+    const Things many = makeMany(400000);
     withScene([&](auto &scene) {
         scene.view->addRows(pointersTo(many), 0);
         bool isTold = false;
