@@ -30,6 +30,13 @@ public:
             ++depth;
         return depth <= maxDepth && Model::canFetchMore(parent);
     }
+    /// The tester also fetches the top, while it hears of rows. What that brings of hidden fields
+    /// is a change inside another, which a host may ask for, and for which that of Qt 6 gives up.
+    void fetchMore(QModelIndex const &parent) override
+    {
+        if (parent.isValid())
+            Model::fetchMore(parent);
+    }
 };
 
 /// What a host has put at the top, and how it has it shown.
@@ -93,7 +100,7 @@ struct Host {
     {
         // In hide mode nobody watches the fields at the top.
         dumped.update();
-        dumped.fetchMore({});
+        dumped.Model::fetchMore({});
         fetchRows(dumped, dumped.index(0, 0), maxDepth);
         return dumpRows(dumped, dumped.index(0, 0), maxDepth);
     }
