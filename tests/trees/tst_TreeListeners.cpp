@@ -1,4 +1,5 @@
 #include "support/ErrorReports.h"
+#include "trees/CallingIconDB.h"
 #include "trees/DroppedObject.h"
 #include "zrVOMGUI/transfer/MimeData.h"
 
@@ -12,18 +13,6 @@
 using namespace tree_test;
 
 namespace {
-
-/// Calls back before each answer, which is no icon.
-class CallingIconDB : public GUI::ObjectIconDB {
-public:
-    QIcon find(RefT<Object> const &) const override
-    {
-        if (onFind)
-            onFind();
-        return {};
-    }
-    std::function<void()> onFind;
-};
 
 constexpr auto noPosition = static_cast<std::size_t>(-1);
 

@@ -1,3 +1,4 @@
+#include "trees/CallingIconDB.h"
 #include "trees/Generations.h"
 
 #include <QElapsedTimer>
@@ -6,22 +7,6 @@
 #include <utility>
 
 using namespace tree_test;
-
-namespace {
-
-/// Calls back before each answer, which is no icon.
-class CallingIconDB : public GUI::ObjectIconDB {
-public:
-    QIcon find(RefT<Object> const &) const override
-    {
-        if (onFind)
-            onFind();
-        return {};
-    }
-    std::function<void()> onFind;
-};
-
-} // namespace
 
 /// Hosts that act while rows are rebuilt, and what dies meanwhile, in both generations.
 class tst_TreeRebuilds : public QObject {
